@@ -1,5 +1,5 @@
-/// Lock and real-time contracts, written where the compiler can check them (clang's -Wthread-safety; other
-/// compilers see nothing). Every class with a lock uses them.
+/// Lock and real-time contracts, written where the compiler can check them (clang's
+/// -Wthread-safety; other compilers see nothing). Every class with a lock uses them.
 #pragma once
 
 #if defined(__clang__)

@@ -2,11 +2,9 @@
 
 #include <system_error>
 
-namespace Korvanel
-{
+namespace Korvanel {
 
-namespace
-{
+namespace {
 
 void check(int error)
 {

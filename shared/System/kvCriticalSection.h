@@ -1,12 +1,12 @@
-/// The lock of the whole system: recursive, so that a locked operation may call another one, and with priority
-/// inheritance, so that the processing thread never waits behind a thread of middle priority.
+/// The lock of the whole system: recursive, so that a locked operation may call another one, and
+/// with priority inheritance, so that the processing thread never waits behind a thread of middle
+/// priority.
 #pragma once
 #include "shared/System/kvContracts.h"
 
 #include <pthread.h>
 
-namespace Korvanel
-{
+namespace Korvanel {
 
 /// Not copyable. Thread: any. An uncontended Enter or Leave makes no system call.
 class KV_CAPABILITY("mutex") CriticalSection
