@@ -1,0 +1,268 @@
+// Records, blocks and whole files.
+#include "midi/MidiFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace Korvanel {
+
+namespace {
+
+/// A declared length is believed up to here; beyond, the block grows with what arrives.
+constexpr std::uint32_t kFirstPiece = 64 * 1024;
+
+struct CloseFile
+{
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using OwnedFile = std::unique_ptr<std::FILE, CloseFile>;
+
+/// Reallocates the block with its guard. Bytes between the old and the new capacity are left as
+/// they come.
+bool reallocateBlock(_track* track, std::uint32_t size)
+{
+    void* moved = std::realloc(track->data, std::size_t{size} + kGuardBytes);
+    if (moved == nullptr)
+        return false;
+    track->data = static_cast<unsigned char*>(moved);
+    track->capacity = size;
+    std::memset(track->data + size, 0, kGuardBytes);
+    return true;
+}
+
+std::uint32_t readBigEndian(InputStream& stream, std::uint32_t bytes)
+{
+    std::array<unsigned char, 4> raw{};
+    stream.Read(static_cast<void*>(raw.data()), bytes);
+    std::uint32_t value = 0;
+    for (std::uint32_t i = 0; i < bytes; ++i)
+        value = value << 8 | raw[i];
+    return value;
+}
+
+bool readTag(InputStream& stream, const char* tag)
+{
+    std::array<char, 4> raw{};
+    stream.Read(static_cast<void*>(raw.data()), 4);
+    return std::memcmp(raw.data(), tag, 4) == 0;
+}
+
+void writeShort(std::uint16_t value, OutputStream& stream)
+{
+    const std::array<unsigned char, 2> raw{static_cast<unsigned char>(value >> 8),
+                                           static_cast<unsigned char>(value)};
+    stream.Write(static_cast<const void*>(raw.data()), 2);
+}
+
+/// Fills the block with up to `size` bytes, in pieces that at most double what has arrived.
+int readBlock(_track* track, InputStream& stream, std::uint32_t size)
+{
+    do {
+        const std::uint32_t had = track->length;
+        const std::uint32_t piece = std::min(size - had, std::max(had, kFirstPiece));
+        if (!reallocateBlock(track, had + piece))
+            return kMfNoMemory;
+        const std::uint32_t came =
+            piece == 0 ? 0 : stream.Read(static_cast<void*>(track->data + had), piece);
+        track->length = had + std::min(came, piece);
+        if (came < piece)
+            return reallocateBlock(track, track->length) ? kMfOk : kMfNoMemory;
+    } while (track->length < size);
+    return kMfOk;
+}
+
+int loadTracks(MIDIFILE* file, InputStream& stream)
+{
+    _track* last = mf_last_track(file);
+    for (int i = 0; i < file->ntracks; ++i) {
+        auto* track = static_cast<_track*>(std::calloc(1, sizeof(_track)));
+        if (track == nullptr)
+            return kMfNoMemory;
+        (last == nullptr ? file->tracks : last->next) = track;
+        last = track;
+        if (!readTag(stream, "MTrk"))
+            return kMfBadData;
+        const std::uint32_t size = readBigEndian(stream, 4);
+        if (const int result = readBlock(track, stream, size); result != kMfOk)
+            return result;
+    }
+    return kMfOk;
+}
+
+void writeHeader(const MIDIFILE* file, OutputStream& stream)
+{
+    stream.Write(static_cast<const void*>("MThd"), 4);
+    write_ulong(6, stream);
+    writeShort(file->format, stream);
+    writeShort(file->ntracks, stream);
+    writeShort(file->division, stream);
+}
+
+bool holdsNote(const _track& track)
+{
+    short running = 0;
+    Pkt pkt{};
+    for (std::uint32_t pos = 0; pos < track.length;) {
+        read_delta(track.data, pos);
+        read_event(track.data, pos, pkt, running, nullptr, nullptr);
+        if (pkt.IsNote())
+            return true;
+    }
+    return false;
+}
+
+template <typename WriteTrack>
+void forEachWrittenTrack(const MIDIFILE* file, WriteTrack writeTrack)
+{
+    const _track* track = file->tracks;
+    for (int i = 0; i < file->ntracks && track != nullptr; ++i, track = track->next)
+        writeTrack(*track);
+}
+
+} // namespace
+
+void mf_init(MIDIFILE* file)
+{
+    *file = {1, 0, 96, nullptr};
+}
+
+_track* mf_add_track(MIDIFILE* file)
+{
+    auto* track = static_cast<_track*>(std::calloc(1, sizeof(_track)));
+    if (track == nullptr)
+        return nullptr;
+    _track* last = mf_last_track(file);
+    (last == nullptr ? file->tracks : last->next) = track;
+    return track;
+}
+
+_track* mf_last_track(MIDIFILE* file)
+{
+    _track* track = file->tracks;
+    while (track != nullptr && track->next != nullptr)
+        track = track->next;
+    return track;
+}
+
+int mf_add_tblk(_track* track, std::uint32_t size)
+{
+    auto* data = static_cast<unsigned char*>(std::calloc(1, std::size_t{size} + kGuardBytes));
+    if (data == nullptr)
+        return kMfNoMemory;
+    std::free(track->data);
+    track->data = data;
+    track->capacity = size;
+    return kMfOk;
+}
+
+int mf_grow_tblk(_track* track, std::uint32_t size)
+{
+    const std::uint32_t before = track->capacity;
+    if (before >= size || !reallocateBlock(track, size))
+        return kMfNoMemory;
+    std::memset(track->data + before, 0, size - before);
+    return kMfOk;
+}
+
+void mf_trim_tblk(_track* track, std::uint32_t size)
+{
+    if (track->capacity > size && track->length <= size)
+        reallocateBlock(track, size);
+}
+
+int copy_track(_track* dst, const _track* src)
+{
+    auto* copy = static_cast<unsigned char*>(std::malloc(std::size_t{src->length} + kGuardBytes));
+    if (copy == nullptr)
+        return kMfNoMemory;
+    if (src->length > 0)
+        std::memcpy(copy, src->data, src->length);
+    std::memset(copy + src->length, 0, kGuardBytes);
+    const std::uint32_t length = src->length; // src may be dst
+    std::free(dst->data);
+    dst->data = copy;
+    dst->capacity = length;
+    dst->length = length;
+    return kMfOk;
+}
+
+_track* mf_last_netrack(MIDIFILE* file)
+{
+    if (file->tracks == nullptr)
+        return nullptr;
+    _track* found = file->tracks;
+    for (_track* track = file->tracks->next; track != nullptr; track = track->next)
+        if (holdsNote(*track))
+            found = track;
+    return found;
+}
+
+void mf_free(MIDIFILE* file)
+{
+    for (_track* track = file->tracks; track != nullptr;) {
+        _track* next = track->next;
+        std::free(track->data);
+        std::free(track);
+        track = next;
+    }
+    file->tracks = nullptr;
+    file->ntracks = 0;
+}
+
+int mf_load(MIDIFILE* file, InputStream& stream)
+{
+    if (!readTag(stream, "MThd") || readBigEndian(stream, 4) != 6)
+        return kMfBadData;
+    file->format = static_cast<std::uint16_t>(readBigEndian(stream, 2));
+    file->ntracks = static_cast<std::uint16_t>(readBigEndian(stream, 2));
+    file->division = static_cast<std::uint16_t>(readBigEndian(stream, 2));
+    return loadTracks(file, stream);
+}
+
+int mf_load(MIDIFILE* file, const char* path)
+{
+    const OwnedFile opened(std::fopen(path, "rb"));
+    if (opened == nullptr)
+        return kMfCannotOpen;
+    SimpleStream<std::FILE*> stream(opened.get());
+    return mf_load(file, stream);
+}
+
+int mf_save(const MIDIFILE* file, OutputStream& stream)
+{
+    writeHeader(file, stream);
+    forEachWrittenTrack(file, [&](const _track& track) {
+        stream.Write(static_cast<const void*>("MTrk"), 4);
+        write_ulong(track.length, stream);
+        stream.Write(static_cast<const void*>(track.data), track.length);
+    });
+    return kMfOk;
+}
+
+int mf_save(const MIDIFILE* file, const char* path)
+{
+    const OwnedFile opened(std::fopen(path, "wb"));
+    if (opened == nullptr)
+        return kMfOk; // as for every other failure to write
+    SimpleStream<std::FILE*> stream(opened.get());
+    writeHeader(file, stream);
+    forEachWrittenTrack(file, [&](const _track& track) {
+        stream.Write(static_cast<const void*>("MTrk"), 4);
+        stream.Write(static_cast<const void*>(track.data), track.length);
+    });
+    return kMfOk;
+}
+
+void write_ulong(std::uint32_t value, OutputStream& stream)
+{
+    writeShort(static_cast<std::uint16_t>(value >> 16), stream);
+    writeShort(static_cast<std::uint16_t>(value), stream);
+}
+
+} // namespace Korvanel
