@@ -206,6 +206,15 @@ void CMidiTrack::copyKeyStat(const CMidiTrack& other)
     keyPresent = other.keyPresent;
 }
 
+void CMidiTrack::copyFrame(const CMidiTrack& other)
+{
+    tempo = other.tempo;
+    ticksPerQuarter = other.ticksPerQuarter;
+    numerator = other.numerator;
+    denominator = other.denominator;
+    beatUnit = other.beatUnit;
+}
+
 void CMidiTrack::clearNames()
 {
     name.clear();

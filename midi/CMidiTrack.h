@@ -126,6 +126,7 @@ public:
     void onInsertion(const MfxEvent& event);
     void updateKeysStat();
     void copyKeyStat(const CMidiTrack& other);
+    void copyFrame(const CMidiTrack& other); ///< resolution, meter and tempo
     void clearNames();
     void copyNames(const CMidiTrack& other);
 

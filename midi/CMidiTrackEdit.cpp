@@ -81,11 +81,7 @@ void CMidiTrack::Copy(const CMidiTrack& src, const bool* keep)
         return;
     }
     Clear();
-    tempo = src.tempo;
-    ticksPerQuarter = src.ticksPerQuarter;
-    numerator = src.numerator;
-    denominator = src.denominator;
-    beatUnit = src.beatUnit;
+    copyFrame(src);
     for (const MfxEvent& event : src.events)
         if (!event.isNote() || keep == nullptr || (event.key < 128 && keep[event.key]))
             insert(event);
