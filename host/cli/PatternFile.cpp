@@ -86,3 +86,11 @@ PatternFile readPlayablePattern(const std::string& path)
         refuse(path, "has a meter that makes no bar");
     return read;
 }
+
+std::string fullName(const Korvanel::CMidiTrack& pattern)
+{
+    std::string name = pattern.name.exists() ? pattern.name.c_str() : "";
+    if (pattern.subName.exists())
+        name += std::string("/") + pattern.subName.c_str();
+    return name;
+}

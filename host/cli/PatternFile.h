@@ -17,3 +17,6 @@ struct PatternFile
 PatternFile readPatternFile(const std::string& path);
 /// The same, and a pattern without notes is refused too: there would be nothing to hear.
 PatternFile readPlayablePattern(const std::string& path);
+
+/// "name/subName", or what there is of it.
+std::string fullName(const Korvanel::CMidiTrack& pattern);

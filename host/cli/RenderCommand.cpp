@@ -87,7 +87,7 @@ Korvanel::CMidiTrack renderTrack(EffectSession& session, const PatternFile& patt
                            "--repeat: so many rounds are more than a MIDI file can hold");
     Korvanel::CMidiTrack track;
     track.ticksPerQuarter = session.time().QuarterNoteLength();
-    track.name = pattern.pattern.name;
+    track.name = fullName(pattern.pattern).c_str();
     const std::int32_t slice = std::max(session.time().beatLength() / 16, 1);
     for (std::int64_t from = 0; from < end; from += slice) {
         const std::int64_t to = std::min(from + slice, end) - 1;

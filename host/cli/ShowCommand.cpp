@@ -37,14 +37,6 @@ int terminalColumns()
     return std::max(columns, kFewestColumns);
 }
 
-std::string nameOf(const PatternFile& file)
-{
-    std::string name = file.pattern.name.exists() ? file.pattern.name.c_str() : "";
-    if (file.pattern.subName.exists())
-        name += std::string("/") + file.pattern.subName.c_str();
-    return name;
-}
-
 double tempoOf(const PatternFile& file)
 {
     return 60e6 / std::max<std::uint32_t>(file.pattern.tempo, 1);
@@ -58,8 +50,8 @@ std::set<int> channelsOf(const PatternFile& file)
     return channels;
 }
 
-/// A number that keeps JSON valid whatever bytes the file's name holds.
-std::string printable(const std::string& text)
+/// A JSON text, valid whatever bytes the name holds.
+std::string jsonText(const std::string& text)
 {
     return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
@@ -70,8 +62,8 @@ Json describe(const PatternFile& file)
     Json keys = Json::array();
     for (int i = 0; i < pattern.keyCount; ++i)
         keys.push_back({{"key", pattern.GetKey(i)}, {"name", noteName(pattern.GetKey(i))}});
-    return {{"file", Json::parse(printable(file.path))},
-            {"name", Json::parse(printable(nameOf(file)))},
+    return {{"file", Json::parse(jsonText(file.path))},
+            {"name", Json::parse(jsonText(fullName(file.pattern)))},
             {"format", file.format},
             {"tracks", file.tracks},
             {"ticksPerQuarter", pattern.ticksPerQuarter},
@@ -90,7 +82,7 @@ void printWords(const PatternFile& file)
 {
     const Korvanel::CMidiTrack& pattern = file.pattern;
     std::printf("%s\n", file.path.c_str());
-    if (const std::string name = nameOf(file); !name.empty())
+    if (const std::string name = fullName(file.pattern); !name.empty())
         std::printf("  name    %s\n", name.c_str());
     std::printf("  meter   %d/%d, %d bar%s\n", pattern.numerator, pattern.denominator,
                 pattern.numberOfBars(), pattern.numberOfBars() == 1 ? "" : "s");
