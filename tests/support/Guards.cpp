@@ -1,0 +1,86 @@
+#include "tests/support/Guards.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <pthread.h>
+
+namespace {
+
+thread_local std::size_t tAllocations = 0;
+thread_local std::size_t tLocks = 0;
+
+} // namespace
+
+#ifdef KV_SANITIZED
+
+#include <sanitizer/allocator_interface.h>
+
+namespace {
+
+void onAllocation(const volatile void*, std::size_t)
+{
+    ++tAllocations;
+}
+
+void onFree(const volatile void*) {}
+
+[[maybe_unused]] const int sHooks =
+    __sanitizer_install_malloc_and_free_hooks(&onAllocation, &onFree);
+
+} // namespace
+
+#else
+
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+
+void* malloc(std::size_t size)
+{
+    ++tAllocations;
+    return __libc_malloc(size);
+}
+
+void* calloc(std::size_t count, std::size_t size)
+{
+    ++tAllocations;
+    return __libc_calloc(count, size);
+}
+
+void* realloc(void* block, std::size_t size)
+{
+    ++tAllocations;
+    return __libc_realloc(block, size);
+}
+
+int pthread_mutex_lock(pthread_mutex_t* mutex)
+{
+    using Lock = int (*)(pthread_mutex_t*);
+    static const Lock real = reinterpret_cast<Lock>(::dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+    ++tLocks;
+    return real(mutex);
+}
+}
+
+#endif
+
+AllocationGuard::AllocationGuard()
+    : mBefore(tAllocations)
+{
+}
+
+std::size_t AllocationGuard::count() const
+{
+    return tAllocations - mBefore;
+}
+
+LockCounter::LockCounter()
+    : mBefore(tLocks)
+{
+}
+
+std::size_t LockCounter::count() const
+{
+    return tLocks - mBefore;
+}

@@ -1,0 +1,30 @@
+#include "tests/support/Guards.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <pthread.h>
+
+TEST(AllocationGuard, CountsANew)
+{
+    AllocationGuard guard;
+    const auto made = std::make_unique<int>(1);
+    EXPECT_EQ(guard.count(), 1u);
+}
+
+TEST(AllocationGuard, CountsTheCHeap)
+{
+    AllocationGuard guard;
+    void* volatile block = std::malloc(8);
+    std::free(block);
+    EXPECT_EQ(guard.count(), 1u);
+}
+
+TEST(LockCounter, CountsALock)
+{
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    LockCounter counter;
+    pthread_mutex_lock(&mutex);
+    pthread_mutex_unlock(&mutex);
+    EXPECT_EQ(counter.count(), LockCounter::counts ? 1u : 0u);
+}
