@@ -1,0 +1,283 @@
+#include "effect/CLooper.h"
+#include "effect/NoteGroups.h"
+#include "shared/System/kvModule.h"
+#include "shared/System/kvStream.h"
+#include "tests/effect/Fakes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+using namespace Korvanel;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Durations after the last notes of each group have been lengthened.
+std::vector<std::uint32_t> lengthened(const std::vector<MfxEvent>& notes)
+{
+    CMidiTrack track = pattern(240, notes);
+    track.lastTick = 960; // one bar, whatever rings past it
+    lengthenLastNotes(track);
+    std::vector<std::uint32_t> durations;
+    for (const MfxEvent& event : track.events)
+        durations.push_back(event.duration);
+    return durations;
+}
+
+using Durations = std::vector<std::uint32_t>;
+
+struct Observer : IKVSSExStrumwerks::PatternObserver
+{
+    void patternChanged() override { ++told; }
+
+    int told = 0;
+};
+
+/// A library folder with Rock/Intro.mid and Loose.mid, and an effect that uses it.
+class Patterns : public testing::Test
+{
+protected:
+    Patterns()
+    {
+        fs::create_directories(root / "Rock");
+        write(root / "Rock" / "Intro.mid", pattern(240, {noteAt(0, 100, 50)}));
+        write(root / "Loose.mid", pattern(240, {noteAt(0, 100, 51), noteAt(1000, 10, 52)}));
+        effect.SetPatternsDir(root.c_str());
+    }
+
+    ~Patterns() override { fs::remove_all(root); }
+
+    static void write(const fs::path& path, const CMidiTrack& track)
+    {
+        stringStream stream;
+        track.Save(stream);
+        std::ofstream(path, std::ios::binary) << stream.text();
+    }
+
+    bool choose(const std::string& name)
+    {
+        IKVSSExStrumwerks::Pattern record{};
+        std::strncpy(record.name, name.c_str(), sizeof record.name - 1);
+        return effect.SetCurrentPattern(&record);
+    }
+
+    std::string chosen()
+    {
+        IKVSSExStrumwerks::Pattern record{};
+        return effect.GetCurrentPattern(&record) ? record.name : "(none)";
+    }
+
+    fs::path root = fs::temp_directory_path() / ("kv-patterns-" + std::to_string(::getpid()));
+    CLooper effect;
+};
+
+} // namespace
+
+TEST(NoteGroups, ALastNoteThatReachesTheEndSoundsOnToTheGroupsFirst)
+{
+    EXPECT_EQ(lengthened({noteAt(0, 10, 0), noteAt(860, 200, 5)}), (Durations{10, 200}));
+    EXPECT_EQ(lengthened({noteAt(120, 10, 0), noteAt(860, 200, 5)}), (Durations{10, 320}));
+}
+
+TEST(NoteGroups, ANoteThatStopsBeforeTheEndStays)
+{
+    EXPECT_EQ(lengthened({noteAt(120, 10, 0), noteAt(860, 98, 5)}), (Durations{10, 98}));
+    EXPECT_EQ(lengthened({noteAt(120, 10, 0), noteAt(860, 99, 5)}),
+              (Durations{10, 219})); // 960 - 860 - 1
+}
+
+TEST(NoteGroups, OnlyTheLaterOfTwoLongNotesIsLengthened)
+{
+    EXPECT_EQ(lengthened({noteAt(50, 10, 14), noteAt(800, 300, 22), noteAt(850, 200, 7)}),
+              (Durations{10, 300, 250}));
+}
+
+TEST(NoteGroups, ALastNoteThatStopsClosesItsGroup)
+{
+    EXPECT_EQ(lengthened({noteAt(50, 950, 0), noteAt(800, 10, 0)}), (Durations{950, 10}));
+}
+
+TEST(NoteGroups, StrokesAreGroupsOfTheirOwn)
+{
+    EXPECT_EQ(lengthened({noteAt(10, 1, 10), noteAt(20, 1, 11), noteAt(30, 1, 12),
+                          noteAt(40, 1, 13), noteAt(900, 60, 10), noteAt(901, 60, 11),
+                          noteAt(902, 60, 12), noteAt(903, 60, 13)}),
+              (Durations{1, 1, 1, 1, 70, 80, 90, 100}));
+}
+
+TEST(NoteGroups, OtherKeysAndSilentNotesAreInNoGroup)
+{
+    EXPECT_EQ(lengthened(
+                  {noteAt(100, 1, 8), noteAt(900, 60, 8), noteAt(900, 60, 9), noteAt(900, 60, 30)}),
+              (Durations{1, 60, 60, 60}));
+    EXPECT_EQ(lengthened({noteAt(10, 1, 0, 0), noteAt(100, 1, 0), noteAt(900, 60, 0),
+                          noteAt(910, 60, 0, 0)}),
+              (Durations{1, 1, 160, 60}));
+}
+
+TEST(NoteGroups, ANoteBehindTheEndAndAnEndlessOneStay)
+{
+    EXPECT_EQ(lengthened({noteAt(100, 1, 0), noteAt(960, 50, 0)}), (Durations{1, 50}));
+    EXPECT_EQ(lengthened({noteAt(100, 1, 0), noteAt(900, MfxEvent::kOpen, 0)}),
+              (Durations{1, MfxEvent::kOpen}));
+}
+
+TEST_F(Patterns, ALibraryNameLoadsItsFileAndIsReportedBack)
+{
+    ASSERT_TRUE(choose("Rock\\Intro"));
+    EXPECT_EQ(chosen(), "Rock\\Intro");
+    EXPECT_STREQ(effect.GetStyleName().c_str(), "Rock");
+    EXPECT_STREQ(effect.GetPatternName().c_str(), "Intro");
+}
+
+TEST_F(Patterns, ANameWithoutAStyleKeepsTheStyle)
+{
+    effect.SetCurrentStyle("Jazz");
+    ASSERT_TRUE(choose("Loose"));
+    EXPECT_EQ(chosen(), "Jazz\\Loose");
+}
+
+TEST_F(Patterns, AFileNameIsReportedWholeAndHasNoStyle)
+{
+    const std::string name = "file://" + (root / "Loose.mid").string();
+    ASSERT_TRUE(choose(name));
+    EXPECT_EQ(chosen(), "\\" + name);
+}
+
+TEST_F(Patterns, TheRecordTellsMeterAndBars)
+{
+    CMidiTrack track = pattern(240, {noteAt(0, 2000)});
+    track.numerator = 3;
+    track.denominator = 8;
+    effect.set_track(track);
+    effect.SetPatternName("x");
+    IKVSSExStrumwerks::Pattern record{};
+    ASSERT_TRUE(effect.GetCurrentPattern(&record));
+    EXPECT_EQ(record.numerator, 3);
+    EXPECT_EQ(record.denominator, 8);
+    EXPECT_EQ(record.bars, 6); // bars of 360
+}
+
+TEST_F(Patterns, WhatCannotBeReadChangesNothing)
+{
+    ASSERT_TRUE(choose("Rock\\Intro"));
+    std::ofstream(root / "Text.mid") << "not a MIDI file";
+    EXPECT_FALSE(choose("Missing"));
+    EXPECT_FALSE(choose("Text"));
+    EXPECT_FALSE(choose("file:///nonexistent"));
+    EXPECT_FALSE(choose("file://" + root.string()));
+    EXPECT_FALSE(effect.SetCurrentPattern(nullptr));
+    EXPECT_FALSE(effect.GetCurrentPattern(nullptr));
+    EXPECT_EQ(chosen(), "Rock\\Intro");
+}
+
+TEST_F(Patterns, ANameWithoutATerminatorIsNotReadPastItsEnd)
+{
+    IKVSSExStrumwerks::Pattern record{};
+    std::memset(record.name, 'x', sizeof record.name);
+    EXPECT_FALSE(effect.SetCurrentPattern(&record));
+}
+
+TEST_F(Patterns, WithoutAPatternThereIsNoName)
+{
+    EXPECT_EQ(chosen(), "(none)");
+    choose("Rock\\Intro");
+    effect.Clear();
+    EXPECT_EQ(chosen(), "(none)");
+    EXPECT_EQ(effect.GetMeasures(nullptr), 0);
+}
+
+TEST_F(Patterns, NamesThatDoNotFitSaySo)
+{
+    choose("Rock\\Intro");
+    effect.SetCurrentStyle(std::string(259, 's').c_str());
+    EXPECT_EQ(chosen(), "(none)");
+    effect.SetCurrentStyle(std::string(253, 's').c_str());
+    EXPECT_EQ(chosen(), std::string(253, 's') + "\\Intro");
+    effect.SetCurrentStyle(std::string(254, 's').c_str());
+    EXPECT_EQ(chosen(), "(none)");
+}
+
+TEST_F(Patterns, ObserversHearOfAPatternFromAStreamOnceForEachTimeTheyWereAdded)
+{
+    Observer observer;
+    EXPECT_FALSE(effect.AddObserver(nullptr));
+    EXPECT_TRUE(effect.AddObserver(&observer));
+    EXPECT_TRUE(effect.AddObserver(&observer));
+    stringStream saved;
+    pattern(240, {noteAt(0, 1)}).Save(saved);
+    stringStream stream(saved.text());
+    effect.LoadTrack(stream, "Dropped");
+    EXPECT_EQ(observer.told, 2);
+    EXPECT_STREQ(effect.GetPatternName().c_str(), "Dropped");
+    EXPECT_TRUE(effect.RemoveObserver(&observer));
+    stringStream again(saved.text());
+    effect.LoadTrack(again, nullptr);
+    EXPECT_EQ(observer.told, 2);
+    EXPECT_STREQ(effect.GetPatternName().c_str(), ""); // the file has no name
+}
+
+TEST_F(Patterns, ADamagedStreamChangesNothing)
+{
+    Observer observer;
+    effect.AddObserver(&observer);
+    choose("Rock\\Intro");
+    stringStream stream("junk");
+    effect.LoadTrack(stream, "Junk");
+    EXPECT_EQ(observer.told, 0);
+    EXPECT_EQ(chosen(), "Rock\\Intro");
+    effect.RemoveObserver(&observer);
+}
+
+TEST_F(Patterns, NamesAreOfTheEffectAndItsPattern)
+{
+    choose("Rock\\Intro");
+    effect.SetPatternName("Verse");
+    effect.SetPatternName(nullptr);
+    effect.SetStyleName("Pop");
+    EXPECT_EQ(chosen(), "Pop\\Verse");
+    stringStream stream;
+    effect.save_track(stream);
+    EXPECT_NE(stream.text().find("Verse"), std::string::npos);
+}
+
+TEST_F(Patterns, ThePlayedTrackIsPreparedAndTheSavedOneIsNot)
+{
+    write(root / "Long.mid", pattern(240, {noteAt(120, 10, 0), noteAt(860, 100, 0)}));
+    choose("Long");
+    effect.Initialize(nullptr);
+    effect.Enable();
+    ListQueue queue;
+    effect.process(0, 1919, queue);
+    EXPECT_EQ(queue.events.at(1).duration,
+              440); // 100 and the 120 to the first, at twice the resolution
+    effect.Terminate();
+    stringStream stream;
+    effect.save_track(stream);
+    CMidiTrack saved;
+    stringStream in(stream.text());
+    ASSERT_EQ(saved.Load(in, nullptr, nullptr), 0);
+    EXPECT_EQ(saved.events.at(1).duration, 100u);
+}
+
+TEST_F(Patterns, ADotMeansTheDefaultFolder)
+{
+    effect.SetPatternsDir(".");
+    const fs::path module(std::string(Module::GetModulePath().c_str()));
+    const fs::path expected =
+        module.parent_path().parent_path().parent_path().parent_path() / "Loops";
+    EXPECT_EQ(std::string(effect.GetPatternsDir().c_str()), expected.string());
+    effect.SetPatternsDir("");
+    EXPECT_TRUE(effect.GetPatternsDir().IsEmpty());
+}
+
+TEST_F(Patterns, ThereIsNoDocument)
+{
+    String path("kept");
+    EXPECT_FALSE(effect.GetDocumentPath(&path));
+    EXPECT_STREQ(path.c_str(), "kept");
+}

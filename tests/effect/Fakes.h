@@ -1,0 +1,84 @@
+/// A host for effect tests: a queue that keeps what it gets, a context of any resolution, and
+/// patterns by hand.
+#pragma once
+#include "effect/MidiEffect.h"
+#include "effect/MidiQueue.h"
+#include "effect/ProcessContext.h"
+#include "midi/CMidiTrack.h"
+
+#include <vector>
+
+class ListQueue : public Korvanel::MidiQueue
+{
+public:
+    void hostSlot1() override {}
+
+    void hostSlot2() override {}
+
+    void InsertEvent(const Korvanel::MidiEvent& event) override { events.push_back(event); }
+
+    int GetCount() override { return static_cast<int>(events.size()); }
+
+    Korvanel::MidiEvent GetEvent(int index) override
+    {
+        return events[static_cast<std::size_t>(index)];
+    }
+
+    void hostSlot6() override {}
+
+    void RemoveEvent(int index) override { events.erase(events.begin() + index); }
+
+    std::vector<Korvanel::MidiEvent> events;
+};
+
+/// Keeps the records that the engine plays.
+class Recorder : public ProcessContext
+{
+public:
+    explicit Recorder(std::int32_t resolution = 480) { ppq = resolution; }
+
+    void outputEvent(MfxEvent& event) override { events.push_back(event); }
+
+    std::int32_t convertMbtToTicks(int bar, int beat, int tick) const override
+    {
+        return (bar * 4 + beat) * ppq + tick;
+    }
+
+    void convertTicksToMbt(std::int32_t at, int* bar, int* beat, int* tick) const override
+    {
+        *bar = at / ppq / 4;
+        *beat = at / ppq % 4;
+        *tick = at % ppq;
+    }
+
+    std::vector<std::int32_t> times() const
+    {
+        std::vector<std::int32_t> all;
+        for (const MfxEvent& event : events)
+            all.push_back(event.time);
+        return all;
+    }
+
+    std::vector<MfxEvent> events;
+};
+
+inline MfxEvent noteAt(std::int32_t time, std::uint32_t duration = 10, int key = 60,
+                       int velocity = 100)
+{
+    MfxEvent event{};
+    event.time = time;
+    event.type = MfxEvent::Note;
+    event.key = static_cast<std::uint8_t>(key);
+    event.velocity = static_cast<std::uint8_t>(velocity);
+    event.duration = duration;
+    return event;
+}
+
+inline Korvanel::CMidiTrack pattern(std::int32_t resolution, const std::vector<MfxEvent>& events)
+{
+    Korvanel::CMidiTrack track;
+    track.ticksPerQuarter = resolution;
+    for (const MfxEvent& event : events)
+        track.insert(event);
+    return track;
+}
