@@ -166,8 +166,7 @@ inline void Looper::emit(const MfxEvent& event, std::int32_t time, ProcessContex
     copy.time = time;
     if (copy.isNote()) {
         if (copy.duration != MfxEvent::kOpen)
-            copy.duration = static_cast<std::uint32_t>(
-                rate.hostTicks(static_cast<std::int32_t>(std::min(copy.duration, 0x7FFFFFFFu))));
+            copy.duration = static_cast<std::uint32_t>(rate.hostTicks(toTicks(copy.duration)));
         if (mParams != nullptr)
             applyParamsToNote(copy);
     }
@@ -201,7 +200,8 @@ int Looper::randomStep(const LooperParameters& params)
         // always sounded.
         const std::int64_t d = strength * kZero / 100;
         if (r % d != 0)
-            x = x * strength / 100;
+            x = x / 100 * strength +
+                x % 100 * strength / 100; // x * strength / 100, without its overflow
     }
     return static_cast<int>(x / kZero);
 }

@@ -32,7 +32,7 @@ std::optional<std::size_t> groupOf(const MfxEvent& event)
 
 struct Group
 {
-    std::int32_t firstStart = INT32_MAX;
+    std::int64_t firstStart = INT32_MAX;
     bool open = true; ///< its last note is still to be met
 };
 
@@ -50,7 +50,7 @@ void lengthenLastNotes(Korvanel::CMidiTrack& track)
     std::array<Group, kGroups> groups;
     for (const MfxEvent& event : track.events)
         if (const auto g = groupOf(event))
-            groups[*g].firstStart = std::min<std::int32_t>(groups[*g].firstStart, event.time);
+            groups[*g].firstStart = std::min<std::int64_t>(groups[*g].firstStart, event.time);
 
     for (auto event = track.events.rbegin(); event != track.events.rend(); ++event) {
         const auto g = groupOf(*event);

@@ -60,7 +60,8 @@ void clipNotes(CMidiTrack& track, std::int64_t total)
         if (!event.isNote())
             continue;
         const auto limit = static_cast<std::uint32_t>(total - event.time - 1);
-        event.duration = std::min<std::uint32_t>(event.duration, limit);
+        if (event.duration > limit)
+            event.duration = limit;
     }
 }
 

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-/// 18 bytes without padding, as the host lays it out. Copied freely.
+/// 18 bytes without padding, as the host lays it out. Copied freely. Its fields lie at any address,
+/// so take a copy of one where something wants a reference.
 struct __attribute__((packed)) MfxEvent
 {
     enum Type : std::int32_t {

@@ -113,7 +113,7 @@ void TrackEncoder::events(const std::vector<MfxEvent>& events)
     for (const MfxEvent& event : events) {
         if (event.type == MfxEvent::Patch || isMixerController(event) || !pkt.Assign(event))
             continue;
-        const std::int32_t time = std::max(event.time, 0);
+        const std::int32_t time = toTicks(std::max<std::int64_t>(event.time, 0));
         putEndsUpTo(time);
         putMessage(time, pkt);
         if (event.isNote())

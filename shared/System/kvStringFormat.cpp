@@ -26,6 +26,7 @@ struct Conversion
     std::int64_t extra = 0; ///< for the prefix that "#" adds
     int longs = 0;          ///< how many "l" were read
     bool longDouble = false;
+    bool sign = false; ///< a sign or a blank stands in front of every number
 };
 
 /// Keeps the argument list in one object, so that it can be handed on by reference on every
@@ -72,17 +73,20 @@ std::int64_t integerItem(const Conversion& c, Arguments& arguments)
         static_cast<void>(va_arg(arguments.list, long));
     else
         static_cast<void>(va_arg(arguments.list, int));
-    return std::max<std::int64_t>(c.width + c.precision, 32);
+    // A sign stands in front of all the digits that a precision asks for.
+    return std::max<std::int64_t>({c.width + c.precision, c.precision + 1, 32});
 }
 
 std::int64_t fixedItem(const Conversion& c, Arguments& arguments)
 {
     const int width = static_cast<int>(c.width);
     const int precision = static_cast<int>(std::min<std::int64_t>(c.precision + 6, INT_MAX));
-    if (c.longDouble)
-        return std::snprintf(nullptr, 0, "%*.*Lf", width, precision,
-                             va_arg(arguments.list, long double));
-    return std::snprintf(nullptr, 0, "%*.*f", width, precision, va_arg(arguments.list, double));
+    const int printed = c.longDouble ? std::snprintf(nullptr, 0, "%*.*Lf", width, precision,
+                                                     va_arg(arguments.list, long double))
+                                     : std::snprintf(nullptr, 0, "%*.*f", width, precision,
+                                                     va_arg(arguments.list, double));
+    return std::int64_t{printed} +
+           (c.sign ? 1 : 0); // infinity has no places whose room a sign could take
 }
 
 std::int64_t exponentItem(const Conversion& c, Arguments& arguments)
@@ -91,7 +95,8 @@ std::int64_t exponentItem(const Conversion& c, Arguments& arguments)
         static_cast<void>(va_arg(arguments.list, long double));
     else
         static_cast<void>(va_arg(arguments.list, double));
-    return std::max<std::int64_t>(c.width + c.precision, 128);
+    // Sign, first digit, point and exponent stand around the places that a precision asks for.
+    return std::max<std::int64_t>({c.width + c.precision, c.precision + 10, 128});
 }
 
 std::int64_t itemLength(char letter, const Conversion& c, Arguments& arguments)
@@ -138,6 +143,7 @@ void readFlags(const char*& at, Conversion& c, Arguments& arguments)
             c.width = va_arg(arguments.list, int);
         else if (std::strchr("-+0 ", *at) == nullptr)
             return;
+        c.sign = c.sign || *at == '+' || *at == ' ';
     }
 }
 

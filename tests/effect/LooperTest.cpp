@@ -372,6 +372,17 @@ TEST(Looper, StrengthScalesTheRandomStep)
     }
 }
 
+TEST(Looper, AbsurdParametersOnlyReachTheLimits)
+{
+    LooperParameters params;
+    params.randomVeloMin = INT32_MIN;
+    params.randomVeloMax = INT32_MAX;
+    params.randomVeloStrength = 99;
+    params.veloPlus = INT32_MAX;
+    const int velocity = velocityOf(params, 64);
+    EXPECT_TRUE(velocity == 1 || velocity == 127);
+}
+
 TEST(Looper, WithoutStrengthThereIsNoRandomStep)
 {
     LooperParameters params;

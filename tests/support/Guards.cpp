@@ -13,7 +13,10 @@ thread_local std::size_t tLocks = 0;
 
 #ifdef KV_SANITIZED
 
-#include <sanitizer/allocator_interface.h>
+// From the sanitizers' run time; not every compiler ships its header.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void*,
+                                                                          std::size_t),
+                                                         void (*onFree)(const volatile void*));
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 #include <new>
 #include <thread>
@@ -285,6 +286,13 @@ TEST(String, AFixedNumberReservesRoomForSixMorePlaces)
     text.Format("%5.2f", 3.14159);
     EXPECT_STREQ(text.c_str(), " 3.14");
     EXPECT_GE(text.GetAllocLength(), 10); // 3.14159000
+}
+
+TEST(String, SignsAndExponentsFitBesideALongPrecision)
+{
+    EXPECT_EQ(formatted("%.40d", -1).size(), 41u);
+    EXPECT_EQ(formatted("%.200e", -1.0).size(), 207u);
+    EXPECT_EQ(formatted("%+f", HUGE_VAL), "+inf");
 }
 
 TEST(String, AHugeFixedNumberFits)
