@@ -1,0 +1,117 @@
+#!/usr/bin/env python3
+"""Prints the results of looper_bench as tables: ours beside the floor, the aim and each peer.
+
+Every time is the smallest of the run's repetitions: what else the machine does only ever adds.
+    summary.py RESULTS.json
+"""
+import json
+import sys
+
+ORDER = ["1KB", "100KB", "10MB", "lock", "empty", "one note", "each of 64 notes",
+         "each of 64 notes, random", "jump to repetition 1", "jump to repetition 1,000",
+         "jump to repetition 1,000,000"]
+PEERS = {"read": ["JUCE", "libsmf", "portsmf", "drumstick"],
+         "write": ["JUCE", "libsmf", "portsmf", "drumstick"],
+         "slice": ["JUCE", "libsmf"]}
+
+
+class Aim:
+    """At most `factor` times the floor, after `locks` uncontended locks are taken off."""
+
+    def __init__(self, factor, locks=0):
+        self.factor = factor
+        self.locks = locks
+
+    def __str__(self):
+        return f"<= {self.factor}x" + (" + lock" if self.locks else "")
+
+
+AIMS = {"read": Aim(2), "write": Aim(3), "empty": Aim(2, locks=1), "one note": Aim(3, locks=1),
+        "each of 64 notes": Aim(3), "each of 64 notes, random": Aim(3), "jump": Aim(3)}
+
+
+def load(path):
+    with open(path, encoding="utf-8") as file:
+        data = json.load(file)
+    nanoseconds = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+    times = {}
+    for run in data["benchmarks"]:
+        if run.get("run_type") != "iteration" or run.get("error_occurred"):
+            continue
+        kind, row, who = run["run_name"].split("/")
+        time = run["cpu_time"] * nanoseconds[run["time_unit"]] / run.get("per", 1)
+        rows = times.setdefault(kind, {}).setdefault(row, {})
+        rows[who] = min(time, rows.get(who, time))
+    return data["context"], times
+
+
+def shown(nanoseconds):
+    for unit, size in (("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.3g} {unit}" if nanoseconds < 1e3 * size else \
+                f"{nanoseconds / size:.0f} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def aim_of(kind, row):
+    if kind != "slice":
+        return AIMS[kind]
+    return AIMS["jump"] if row.startswith("jump") else AIMS.get(row)
+
+
+def judged(kind, row, result, lock):
+    """The ratio, the aim and the verdict, as three cells."""
+    aim = aim_of(kind, row)
+    if aim is None or "floor" not in result or "ours" not in result:
+        return ["", "", ""]
+    ratio = (result["ours"] - aim.locks * lock) / result["floor"]
+    return [f"{ratio:.2f}x", str(aim), "met" if ratio <= aim.factor else "MISSED"]
+
+
+def peer_cell(result, peer):
+    if peer not in result:
+        return "-"
+    ratio = result[peer] / result["ours"]
+    return f"{shown(result[peer])} ({ratio:.2g}x)" if ratio < 100 else \
+        f"{shown(result[peer])} ({ratio:.0f}x)"
+
+
+def table(kind, rows, lock):
+    peers = PEERS[kind]
+    whole = any("ours, whole effect" in result for result in rows.values())
+    lines = [[kind, "ours"] + (["whole effect"] if whole else []) +
+             ["floor", "ours/floor", "aim", ""] + [f"{peer} (/ours)" for peer in peers]]
+    for row in sorted(rows, key=ORDER.index): # the run itself goes in random order
+        result = rows[row]
+        if "ours" not in result:
+            continue
+        cells = [row, shown(result["ours"])]
+        if whole:
+            effect = result.get("ours, whole effect")
+            cells.append(shown(effect) if effect else "-")
+        cells.append(shown(result["floor"]) if "floor" in result else "-")
+        cells += judged(kind, row, result, lock)
+        cells += [peer_cell(result, peer) for peer in peers]
+        lines.append(cells)
+    widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
+    rule = ["-" * width for width in widths]
+    for line in [lines[0], rule] + lines[1:]:
+        print("| " + " | ".join(cell.ljust(width) for cell, width in zip(line, widths)) + " |")
+    print()
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    context, times = load(sys.argv[1])
+    for name in ("1KB", "100KB", "10MB"):
+        print(f"{name}: {context.get(name, 'not measured')}")
+    print(f"{context['num_cpus']} x {context['mhz_per_cpu']} MHz, {context['date']}; CPU time\n")
+    lock = times.get("slice", {}).get("lock", {}).get("ours", 0.0)
+    for kind in PEERS:
+        if kind in times:
+            table(kind, times[kind], lock)
+
+
+if __name__ == "__main__":
+    main()
