@@ -2,7 +2,6 @@
 
 #include "effect/ProcessContext.h"
 #include "midi/CMidiTrack.h"
-#include "midi/TickMath.h"
 
 #include <algorithm>
 
@@ -12,42 +11,32 @@ namespace {
 
 constexpr std::int32_t kLengthOfNothing = 100;
 constexpr std::int32_t kLargestExactPpq = 1 << 16;
-constexpr double kTickLimit = 2147483648.0;
 
 } // namespace
 
 // TickRate ----------------------------------------------------------------------------------------
 
 TickRate::TickRate(std::int32_t trackPpq, std::int32_t hostPpq, std::int32_t tempoType)
-    : mHostPpq(hostPpq)
+    : mFactor(1)
+    , mHostPpq(hostPpq)
     , mTrackPpq(trackPpq)
     , mTempoType(tempoType)
-    , mSameResolution(trackPpq == hostPpq || trackPpq == 0)
     , mExactInDouble(trackPpq > 0 && trackPpq < kLargestExactPpq && hostPpq >= 0 &&
                      hostPpq < kLargestExactPpq)
 {
+    if (trackPpq != hostPpq && trackPpq != 0)
+        mFactor = hostPpq % trackPpq == 0 ? hostPpq / trackPpq : 0;
 }
 
 /// With both resolutions below 2^16 the product is below 2^47, and a quotient that fits a tick is
 /// further from the next whole number than a double's error, so the cheaper division cuts to the
 /// same number as the whole-number one.
-inline std::int64_t TickRate::converted(std::int32_t patternTicks) const
+std::int64_t TickRate::divided(std::int32_t patternTicks) const
 {
-    if (mSameResolution)
-        return patternTicks;
     const std::int64_t product = std::int64_t{patternTicks} * mHostPpq;
     if (!mExactInDouble)
         return product / mTrackPpq;
-    const double quotient = static_cast<double>(product) / mTrackPpq;
-    return static_cast<std::int64_t>(std::clamp(quotient, -2 * kTickLimit, 2 * kTickLimit));
-}
-
-std::int32_t TickRate::hostTicks(std::int32_t patternTicks) const
-{
-    const std::int64_t ticks = converted(patternTicks);
-    if (mTempoType == 1)
-        return toTicks(ticks);
-    return toTicks(mTempoType < 1 ? ticks * 2 : ticks / 2);
+    return static_cast<std::int64_t>(static_cast<double>(product) / mTrackPpq);
 }
 
 // Looper ------------------------------------------------------------------------------------------
@@ -164,9 +153,12 @@ inline void Looper::emit(const MfxEvent& event, std::int32_t time, ProcessContex
 {
     MfxEvent copy = event;
     copy.time = time;
-    if (copy.isNote()) {
-        if (copy.duration != MfxEvent::kOpen)
-            copy.duration = static_cast<std::uint32_t>(rate.hostTicks(toTicks(copy.duration)));
+    if (event.isNote()) {
+        // From the event, not from its copy: a read that straddles the stores of the copy waits for
+        // them.
+        const std::uint32_t duration = event.duration;
+        if (duration != MfxEvent::kOpen)
+            copy.duration = static_cast<std::uint32_t>(rate.hostTicks(toTicks(duration)));
         if (mParams != nullptr)
             applyParamsToNote(copy);
     }

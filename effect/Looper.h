@@ -3,6 +3,7 @@
 #pragma once
 #include "effect/RandomSource.h"
 #include "midi/MfxEvent.h"
+#include "midi/TickMath.h"
 #include "shared/System/kvContracts.h"
 #include "shared/System/kvCriticalSection.h"
 
@@ -47,15 +48,21 @@ public:
     TickRate(std::int32_t trackPpq, std::int32_t hostPpq, std::int32_t tempoType);
 
     /// Rounded towards zero; stops at the ends of the 32-bit scale.
-    std::int32_t hostTicks(std::int32_t patternTicks) const;
+    std::int32_t hostTicks(std::int32_t patternTicks) const
+    {
+        const std::int64_t ticks = mFactor != 0 ? patternTicks * mFactor : divided(patternTicks);
+        if (mTempoType == 1)
+            return toTicks(ticks);
+        return toTicks(mTempoType < 1 ? ticks * 2 : ticks / 2);
+    }
 
 private:
-    std::int64_t converted(std::int32_t patternTicks) const;
+    std::int64_t divided(std::int32_t patternTicks) const;
 
+    std::int64_t mFactor; ///< host ticks of one pattern tick where that is a whole number, else 0
     std::int32_t mHostPpq;
     std::int32_t mTrackPpq;
     std::int32_t mTempoType;
-    bool mSameResolution;
     bool mExactInDouble;
 };
 

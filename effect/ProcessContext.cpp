@@ -3,9 +3,31 @@
 #include "effect/MidiQueue.h"
 #include "midi/TickMath.h"
 
+#include <bit>
+#include <cstring>
+
 using Korvanel::convertTicks;
 using Korvanel::MidiEvent;
 using Korvanel::toTicks;
+
+namespace {
+
+constexpr int kWheelCentre = 8192;
+
+/// Put together in two words, as queues copy it: one of single bytes would hold up the copy until
+/// all are stored.
+/// @param message  status, data 1, data 2 and the extra byte, the status lowest
+MidiEvent queueEvent(std::int32_t time, std::uint32_t message, std::uint32_t duration)
+{
+    static_assert(std::endian::native == std::endian::little);
+    const std::uint64_t first = static_cast<std::uint32_t>(time) | std::uint64_t{message} << 32;
+    MidiEvent event;
+    std::memcpy(&event, &first, sizeof first);
+    event.duration = static_cast<std::int32_t>(duration);
+    return event;
+}
+
+} // namespace
 
 Korvanel::NullMidiContext ProcessContext_for_MidiContext::nullContext;
 ProcessContext_for_MidiContext defaultProcessContext;
@@ -69,38 +91,29 @@ LooperProcessContext::LooperProcessContext(Korvanel::MidiQueue& queue, std::int3
 
 void LooperProcessContext::outputEvent(MfxEvent& event)
 {
-    MidiEvent out{event.time, 0, 0, 0, 0, 0};
-    const auto set = [&](unsigned kind, int data1, int data2) {
-        out.status = static_cast<std::uint8_t>(kind + (event.channel & 0x0Fu));
-        out.data1 = static_cast<std::uint8_t>(data1);
-        out.data2 = static_cast<std::uint8_t>(data2);
+    const auto insert = [&](unsigned kind, unsigned data1, unsigned data2, std::uint32_t duration) {
+        const unsigned status = kind + (event.channel & 0x0Fu);
+        mQueue.InsertEvent(queueEvent(event.time, status | data1 << 8 | data2 << 16, duration));
     };
     switch (event.type) {
     case MfxEvent::Note:
-        set(0x90, event.key, event.velocity);
-        out.duration = static_cast<std::int32_t>(event.duration);
-        break;
+        return insert(0x90, event.key, event.velocity, event.duration);
     case MfxEvent::KeyAftertouch:
-        set(0xA0, event.key, event.amount);
-        break;
+        return insert(0xA0, event.key, event.amount, 0);
     case MfxEvent::Controller:
-        set(0xB0, event.key, event.velocity);
-        break;
+        return insert(0xB0, event.key, event.velocity, 0);
     case MfxEvent::Patch:
-        set(0xC0, event.key, 0);
-        break;
+        return insert(0xC0, event.key, 0, 0);
     case MfxEvent::ChannelAftertouch:
-        set(0xD0, event.amount, 0);
-        break;
+        return insert(0xD0, event.amount, 0, 0);
     case MfxEvent::Wheel: {
-        const int wheel = event.wheel() + 8192;
-        set(0xE0, wheel % 128, wheel / 128);
-        break;
+        const int wheel = event.wheel() + kWheelCentre;
+        const auto byte = [](int value) { return static_cast<std::uint8_t>(value); };
+        return insert(0xE0, byte(wheel % 128), byte(wheel / 128), 0);
     }
     default:
-        break;
+        return mQueue.InsertEvent(queueEvent(event.time, 0, 0));
     }
-    mQueue.InsertEvent(out);
 }
 
 std::int32_t LooperProcessContext::convertMbtToTicks(int, int, int) const

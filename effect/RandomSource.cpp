@@ -17,13 +17,8 @@ std::uint32_t freshSeed()
 } // namespace
 
 RandomSource::RandomSource()
+    : mEngine(freshSeed())
 {
-    ::initstate_r(freshSeed(), mState.data(), mState.size(), &mData);
-}
-
-void RandomSource::seed(std::uint32_t seed)
-{
-    ::srandom_r(seed, &mData);
 }
 
 } // namespace Korvanel

@@ -53,11 +53,17 @@ bool readTag(InputStream& stream, const char* tag)
     return std::memcmp(raw.data(), tag, 4) == 0;
 }
 
-void writeShort(std::uint16_t value, OutputStream& stream)
+unsigned char* putBigEndian(unsigned char* at, std::uint32_t value, int bytes)
 {
-    const std::array<unsigned char, 2> raw{static_cast<unsigned char>(value >> 8),
-                                           static_cast<unsigned char>(value)};
-    stream.Write(static_cast<const void*>(raw.data()), 2);
+    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+        *at++ = static_cast<unsigned char>(value >> shift);
+    return at;
+}
+
+unsigned char* putTag(unsigned char* at, const char* tag)
+{
+    std::memcpy(at, tag, 4);
+    return at + 4;
 }
 
 /// Fills the block with up to `size` bytes, in pieces that at most double what has arrived.
@@ -97,11 +103,12 @@ int loadTracks(MIDIFILE* file, InputStream& stream)
 
 void writeHeader(const MIDIFILE* file, OutputStream& stream)
 {
-    stream.Write(static_cast<const void*>("MThd"), 4);
-    write_ulong(6, stream);
-    writeShort(file->format, stream);
-    writeShort(file->ntracks, stream);
-    writeShort(file->division, stream);
+    std::array<unsigned char, 14> header{};
+    unsigned char* at = putBigEndian(putTag(header.data(), "MThd"), 6, 4);
+    at = putBigEndian(at, file->format, 2);
+    at = putBigEndian(at, file->ntracks, 2);
+    putBigEndian(at, file->division, 2);
+    stream.Write(static_cast<const void*>(header.data()), header.size());
 }
 
 bool holdsNote(const _track& track)
@@ -152,10 +159,11 @@ _track* mf_last_track(MIDIFILE* file)
 
 int mf_add_tblk(_track* track, std::uint32_t size)
 {
-    auto* data = static_cast<unsigned char*>(std::calloc(1, std::size_t{size} + kGuardBytes));
+    auto* data = static_cast<unsigned char*>(std::malloc(std::size_t{size} + kGuardBytes));
     if (data == nullptr)
         return kMfNoMemory;
     std::free(track->data);
+    std::memset(data + size, 0, kGuardBytes);
     track->data = data;
     track->capacity = size;
     return kMfOk;
@@ -163,11 +171,9 @@ int mf_add_tblk(_track* track, std::uint32_t size)
 
 int mf_grow_tblk(_track* track, std::uint32_t size)
 {
-    const std::uint32_t before = track->capacity;
-    if (before >= size || !reallocateBlock(track, size))
+    if (track->capacity >= size)
         return kMfNoMemory;
-    std::memset(track->data + before, 0, size - before);
-    return kMfOk;
+    return reallocateBlock(track, size) ? kMfOk : kMfNoMemory;
 }
 
 void mf_trim_tblk(_track* track, std::uint32_t size)
@@ -238,8 +244,9 @@ int mf_save(const MIDIFILE* file, OutputStream& stream)
 {
     writeHeader(file, stream);
     forEachWrittenTrack(file, [&](const _track& track) {
-        stream.Write(static_cast<const void*>("MTrk"), 4);
-        write_ulong(track.length, stream);
+        std::array<unsigned char, 8> header{};
+        putBigEndian(putTag(header.data(), "MTrk"), track.length, 4);
+        stream.Write(static_cast<const void*>(header.data()), header.size());
         stream.Write(static_cast<const void*>(track.data), track.length);
     });
     return kMfOk;
@@ -261,8 +268,9 @@ int mf_save(const MIDIFILE* file, const char* path)
 
 void write_ulong(std::uint32_t value, OutputStream& stream)
 {
-    writeShort(static_cast<std::uint16_t>(value >> 16), stream);
-    writeShort(static_cast<std::uint16_t>(value), stream);
+    std::array<unsigned char, 4> raw{};
+    putBigEndian(raw.data(), value, 4);
+    stream.Write(static_cast<const void*>(raw.data()), raw.size());
 }
 
 } // namespace Korvanel

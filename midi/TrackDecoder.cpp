@@ -56,6 +56,8 @@ void TrackDecoder::decode()
             running = *mAt++;
         decodeMessage(running);
     }
+    if (mOpenNotes == 0)
+        return;
     for (std::size_t channel = 0; channel < kChannels; ++channel)
         if ((mChannelsSeen >> channel & 1) != 0)
             leaveOpen(mTails[channel].data(), kKeys);
@@ -174,6 +176,7 @@ inline void TrackDecoder::openNote(unsigned channel, unsigned key, unsigned velo
         newest.duration = index;
     }
     tail = index;
+    ++mOpenNotes;
     if (key < kKeys)
         mKeyPresent[key] = 1;
     mLastNoteEnd = mTick;
@@ -185,6 +188,7 @@ inline void TrackDecoder::closeNote(unsigned channel, unsigned key)
     std::uint32_t& tail = tailOf(channel, key);
     if (tail == 0)
         return; // it ends nothing
+    --mOpenNotes;
     const std::uint32_t oldestIndex = mEvents[tail - 1].duration;
     MfxEvent& oldest = mEvents[oldestIndex - 1];
     if (oldestIndex == tail)

@@ -64,6 +64,7 @@ private:
     std::int32_t mTick = 0;
     std::int32_t mLastNoteEnd = -1;
     std::int32_t mLastEnd = -1;
+    std::uint32_t mOpenNotes = 0;
     bool mEnded = false; ///< the end-of-track event was met
     std::optional<Meter> mMeter;
     std::optional<std::uint32_t> mTempo;

@@ -51,6 +51,17 @@ bool TrackEncoder::room(std::uint32_t bytes)
            mf_grow_tblk(&mBlock, static_cast<std::uint32_t>(doubled)) == kMfOk;
 }
 
+/// Room for a whole event has been made.
+inline void TrackEncoder::putEvent(std::int32_t time, std::uint32_t message, int length)
+{
+    putDelta(time);
+    unsigned char* at = mBlock.data + mBlock.length;
+    at[0] = static_cast<unsigned char>(message);
+    at[1] = static_cast<unsigned char>(message >> 8);
+    at[2] = static_cast<unsigned char>(message >> 16); // overwritten when the message is shorter
+    mBlock.length += static_cast<std::uint32_t>(length);
+}
+
 inline void TrackEncoder::putDelta(std::int32_t time)
 {
     const auto delta =
@@ -136,23 +147,17 @@ void TrackEncoder::end()
 
 inline void TrackEncoder::putMessage(std::int32_t time, const Pkt& pkt)
 {
-    if (!room(kLargestEvent))
-        return;
-    putDelta(time);
-    put(pkt.status);
-    put(pkt.data1);
-    if (pkt.Len() == 3)
-        put(pkt.data2);
+    if (room(kLargestEvent))
+        putEvent(time,
+                 pkt.status | static_cast<std::uint32_t>(pkt.data1) << 8 |
+                     static_cast<std::uint32_t>(pkt.data2) << 16,
+                 pkt.Len());
 }
 
 inline void TrackEncoder::putOff(const PendingOff& off)
 {
-    if (!room(kLargestEvent))
-        return;
-    putDelta(off.time());
-    put(off.status);
-    put(off.key);
-    put(off.velocity);
+    if (room(kLargestEvent))
+        putEvent(off.time(), off.message, 3);
 }
 
 inline void TrackEncoder::putEndsUpTo(std::int32_t time)
@@ -171,8 +176,10 @@ inline void TrackEncoder::keepEnd(const MfxEvent& note)
         return;
     const std::int32_t end = toTicks(std::max<std::int64_t>(note.time, 0) + note.duration);
     const std::uint32_t newerFirst = UINT32_MAX - mNotes++;
-    mPending.push_back({std::uint64_t{static_cast<std::uint32_t>(end)} << 32 | newerFirst,
-                        static_cast<std::uint8_t>(0x80 | note.channel), note.key, note.velocity});
+    const std::uint32_t message = 0x80u | note.channel | static_cast<std::uint32_t>(note.key) << 8 |
+                                  static_cast<std::uint32_t>(note.velocity) << 16;
+    mPending.push_back(
+        {std::uint64_t{static_cast<std::uint32_t>(end)} << 32 | newerFirst, message});
     std::push_heap(mPending.begin(), mPending.end());
 }
 

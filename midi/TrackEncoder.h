@@ -29,9 +29,7 @@ private:
     struct PendingOff
     {
         std::uint64_t order;
-        std::uint8_t status;
-        std::uint8_t key;
-        std::uint8_t velocity;
+        std::uint32_t message; ///< status lowest, then key and velocity
 
         std::int32_t time() const { return static_cast<std::int32_t>(order >> 32); }
 
@@ -47,6 +45,7 @@ private:
 
     void putDelta(std::int32_t time);
     void putMeta(unsigned type, std::uint32_t length);
+    void putEvent(std::int32_t time, std::uint32_t message, int length);
     void putMessage(std::int32_t time, const Pkt& pkt);
     void putOff(const PendingOff& off);
     void putEndsUpTo(std::int32_t time);

@@ -350,18 +350,15 @@ TEST(Looper, RandomVelocityStaysInItsRangeAndReachesBothEnds)
 TEST(Looper, StrengthScalesTheRandomStep)
 {
     // The same draws twice; the rule applied by hand to the second.
-    random_data state{};
-    std::array<char, 128> memory{};
-    initstate_r(1, memory.data(), memory.size(), &state);
-    srandom_r(5, &state);
+    RandomSource draws;
+    draws.seed(5);
     LooperParameters params;
     params.veloPlus = 0;
     params.randomVeloStrength = 40;
     Player player(bar(), 480, &params);
     player.looper.seedRandom(5);
     for (int i = 0; i < 1000; ++i) {
-        std::int32_t r = 0;
-        random_r(&state, &r);
+        const std::int64_t r = draws.next();
         const std::int64_t half = 1LL << 30;
         std::int64_t x = r > half ? (r - half) * 10 : (half - r) * -15;
         if (r % (40 * half / 100) != 0)
@@ -370,6 +367,26 @@ TEST(Looper, StrengthScalesTheRandomStep)
         player.looper.applyParamsToNote(event);
         ASSERT_EQ(event.velocity, 64 + x / half);
     }
+}
+
+TEST(RandomSource, HasTheRangeOfTheCLibrarys)
+{
+    RandomSource draws;
+    draws.seed(1);
+    std::int32_t low = INT32_MAX;
+    std::int32_t high = 0;
+    std::array<int, 16> buckets{};
+    for (int i = 0; i < 100'000; ++i) {
+        const std::int32_t r = draws.next();
+        low = std::min(low, r);
+        high = std::max(high, r);
+        ++buckets[static_cast<std::size_t>(r >> 27)]; // a negative number would be far outside
+    }
+    EXPECT_GE(low, 0);
+    EXPECT_LT(low, 1 << 17);
+    EXPECT_GT(high, INT32_MAX - (1 << 17));
+    for (const int count : buckets)
+        EXPECT_NEAR(count, 6250, 400);
 }
 
 TEST(Looper, AbsurdParametersOnlyReachTheLimits)
