@@ -7,39 +7,40 @@ namespace bench {
 
 namespace {
 
-using Row = std::pair<const InputFile*, FileSubject*>;
+struct Row
+{
+    const InputFile* file;
+    FileSubject* subject;
+};
 
 void measureRead(benchmark::State& state, Row row)
 {
-    const auto& [file, subject] = row;
-    subject->read(file->bytes); // the song before it may be a larger one
+    row.subject->read(row.file->bytes); // the song before it may be a larger one
     for (auto _ : state)
-        subject->read(file->bytes);
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file->bytes.size()));
+        row.subject->read(row.file->bytes);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(row.file->bytes.size()));
 }
 
 void measureWrite(benchmark::State& state, Row row)
 {
-    const auto& [file, subject] = row;
-    subject->read(file->bytes);
+    row.subject->read(row.file->bytes);
     for (auto _ : state)
-        subject->write();
+        row.subject->write();
 }
 
 std::string checkNotes(const Row& row)
 {
-    const auto& [file, subject] = row;
     const auto complain = [&](const char* what, std::size_t found) {
-        return file->name + ": " + subject->name() + " " + what + " " + std::to_string(found) +
-               " notes of " + std::to_string(file->notes);
+        return row.file->name + ": " + row.subject->name() + " " + what + " " +
+               std::to_string(found) + " notes of " + std::to_string(row.file->notes);
     };
-    subject->read(file->bytes);
-    if (subject->notes() != file->notes)
-        return complain("reads", subject->notes());
-    if (!subject->writes(*file))
+    row.subject->read(row.file->bytes);
+    if (row.subject->notes() != row.file->notes)
+        return complain("reads", row.subject->notes());
+    if (!row.subject->writes(*row.file))
         return {};
-    subject->write();
-    if (const std::size_t found = countNotes(subject->written()); found != file->notes)
+    row.subject->write();
+    if (const std::size_t found = countNotes(row.subject->written()); found != row.file->notes)
         return complain("writes", found);
     return {};
 }
