@@ -11,7 +11,8 @@ constexpr int kLabelColumns = 9;
 
 struct Grid
 {
-    std::int64_t step; ///< ticks
+    std::int64_t step;  ///< ticks
+    std::int64_t early; ///< ticks that a note may come before its step
     int stepsPerBar;
     int stepsPerBeat;
     int bars; ///< drawn
@@ -39,7 +40,7 @@ Grid chooseGrid(const Korvanel::CMidiTrack& pattern, int columns)
     int drawn = bars;
     while (drawn > 1 && columnsOf(perBar, drawn) > columns)
         --drawn;
-    return {std::max<std::int64_t>(bar / perBar, 1), perBar,
+    return {std::max<std::int64_t>(bar / perBar, 1), pattern.ticksPerQuarter / 8, perBar,
             std::max(perBar / std::max<int>(pattern.numerator, 1), 1), drawn};
 }
 
@@ -61,7 +62,7 @@ Row emptyRow(const Grid& grid)
 
 void drawNote(Row& row, const MfxEvent& note, const Grid& grid)
 {
-    const std::int64_t first = (note.time + grid.step / 2) / grid.step;
+    const std::int64_t first = (note.time + grid.early) / grid.step;
     const std::int64_t length = note.duration == MfxEvent::kOpen ? 1 : note.duration / grid.step;
     const std::int64_t end =
         std::min<std::int64_t>(first + std::max<std::int64_t>(length, 1), grid.steps());

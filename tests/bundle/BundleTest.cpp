@@ -1,7 +1,7 @@
 // The built bundle, as a host meets it: through the loader and its one exported function.
 #include "effect/ILooper.h"
 #include "effect/MidiEffect.h"
-#include "effect/MidiQueue.h"
+#include "tests/support/ListQueue.h"
 
 #include <gtest/gtest.h>
 
@@ -18,28 +18,6 @@
 namespace {
 
 using Create = Korvanel::MidiEffect* (*)();
-
-struct Queue : Korvanel::MidiQueue
-{
-    void hostSlot1() override {}
-
-    void hostSlot2() override {}
-
-    void InsertEvent(const Korvanel::MidiEvent& event) override { events.push_back(event); }
-
-    int GetCount() override { return static_cast<int>(events.size()); }
-
-    Korvanel::MidiEvent GetEvent(int index) override
-    {
-        return events[static_cast<std::size_t>(index)];
-    }
-
-    void hostSlot6() override {}
-
-    void RemoveEvent(int index) override { events.erase(events.begin() + index); }
-
-    std::vector<Korvanel::MidiEvent> events;
-};
 
 /// Names that a loaded file offers to others, read from its dynamic symbol table.
 std::vector<std::string> exportedNames(const char* path)
@@ -95,7 +73,7 @@ void loadPlayUnload()
         std::strcpy(pattern.name, "file://" KV_PATTERN);
         ASSERT_TRUE(looper->SetCurrentPattern(&pattern));
         effect->Enable();
-        Queue queue;
+        ListQueue queue;
         effect->process(0, 1919, queue);
         EXPECT_EQ(queue.events.size(), 13u); // a crash, six hats, three snares, three kicks
         effect->Terminate();

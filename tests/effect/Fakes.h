@@ -2,34 +2,11 @@
 /// patterns by hand.
 #pragma once
 #include "effect/MidiEffect.h"
-#include "effect/MidiQueue.h"
 #include "effect/ProcessContext.h"
 #include "midi/CMidiTrack.h"
+#include "tests/support/ListQueue.h"
 
 #include <vector>
-
-class ListQueue : public Korvanel::MidiQueue
-{
-public:
-    void hostSlot1() override {}
-
-    void hostSlot2() override {}
-
-    void InsertEvent(const Korvanel::MidiEvent& event) override { events.push_back(event); }
-
-    int GetCount() override { return static_cast<int>(events.size()); }
-
-    Korvanel::MidiEvent GetEvent(int index) override
-    {
-        return events[static_cast<std::size_t>(index)];
-    }
-
-    void hostSlot6() override {}
-
-    void RemoveEvent(int index) override { events.erase(events.begin() + index); }
-
-    std::vector<Korvanel::MidiEvent> events;
-};
 
 /// Keeps the records that the engine plays.
 class Recorder : public ProcessContext

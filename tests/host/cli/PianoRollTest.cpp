@@ -1,22 +1,13 @@
 #include "host/cli/PianoRoll.h"
 
+#include "tests/midi/MidiBytes.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <sstream>
 
 namespace {
-
-MfxEvent note(std::int32_t time, int key, std::uint32_t duration, int velocity)
-{
-    MfxEvent event{};
-    event.time = time;
-    event.type = MfxEvent::Note;
-    event.key = static_cast<std::uint8_t>(key);
-    event.velocity = static_cast<std::uint8_t>(velocity);
-    event.duration = duration;
-    return event;
-}
 
 Korvanel::CMidiTrack twoVoices(int bars)
 {
@@ -50,6 +41,13 @@ TEST(PianoRoll, LongerPatternsGetCoarserSteps)
 {
     const std::string eighths = drawPianoRoll(twoVoices(4), 60);
     EXPECT_NE(eighths.find("│█─· · · │"), std::string::npos) << eighths;
+}
+
+TEST(PianoRoll, ANoteLateInItsBarIsDrawnInIt)
+{
+    Korvanel::CMidiTrack track = twoVoices(8);
+    track.insert(note(7 * 120, 46, 60, 100)); // the last eighth of the first bar
+    EXPECT_NE(drawPianoRoll(track, 60).find("A#2  46│···█│····│"), std::string::npos);
 }
 
 TEST(PianoRoll, WhatDoesNotFitIsSaid)
