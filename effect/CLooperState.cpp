@@ -120,7 +120,7 @@ bool CLooper::DoLoad(InputStream* stream)
         setThru(stream->ReadInt8() != 0);
     if (version > 5) {
         // Stored, not applied: the engine takes it when it is connected or told.
-        const int type = stream->ReadInt8();
+        const int type = stream->ReadInt8(); // NOLINT(bugprone-signed-char-misuse): a signed number
         mTempoType.store(type < 0 || type > 2 ? 1 : type, kRelaxed);
         setDnDRepeat(std::clamp<int>(stream->ReadInt16(), 1, 999));
     }

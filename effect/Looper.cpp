@@ -4,6 +4,8 @@
 #include "midi/CMidiTrack.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 
 namespace Korvanel {
 
@@ -151,17 +153,16 @@ void Looper::play(std::int32_t from, std::int32_t to, ProcessContext& ctx, const
 inline void Looper::emit(const MfxEvent& event, std::int32_t time, ProcessContext& ctx,
                          const TickRate& rate)
 {
-    MfxEvent copy = event;
-    copy.time = time;
-    if (event.isNote()) {
-        // From the event, not from its copy: a read that straddles the stores of the copy waits for
-        // them.
-        const std::uint32_t duration = event.duration;
-        if (duration != MfxEvent::kOpen)
-            copy.duration = static_cast<std::uint32_t>(rate.hostTicks(toTicks(duration)));
-        if (mParams != nullptr)
-            applyParamsToNote(copy);
-    }
+    std::uint32_t duration = event.duration;
+    if (event.isNote() && duration != MfxEvent::kOpen)
+        duration = static_cast<std::uint32_t>(rate.hostTicks(toTicks(duration)));
+    // Field by field: whoever reads the copy in other pieces than it was written in waits for the
+    // stores.
+    MfxEvent copy{time,        event.port,     event.channel,         event.type,
+                  event.key,   event.velocity, event.releaseVelocity, duration,
+                  event.amount};
+    if (event.isNote() && mParams != nullptr)
+        applyParamsToNote(copy);
     ctx.outputEvent(copy);
 }
 
@@ -184,9 +185,10 @@ int Looper::randomStep(const LooperParameters& params)
     if (strength < 1)
         return 0;
     const std::int64_t r = mRandom.next();
-    const std::int64_t limit = r > kZero ? params.randomVeloMax.load(std::memory_order_relaxed)
-                                         : params.randomVeloMin.load(std::memory_order_relaxed);
-    std::int64_t x = (r > kZero ? r - kZero : kZero - r) * limit;
+    const std::array<std::int64_t, 2> limits{params.randomVeloMin.load(std::memory_order_relaxed),
+                                             params.randomVeloMax.load(std::memory_order_relaxed)};
+    // Looked up and not branched to: which way a draw goes cannot be foreseen.
+    std::int64_t x = std::abs(r - kZero) * limits[r > kZero ? 1 : 0];
     if (strength <= 99) {
         // A draw that is a whole multiple of this keeps its full strength. It is how the effect has
         // always sounded.

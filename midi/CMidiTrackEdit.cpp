@@ -76,8 +76,7 @@ void CMidiTrack::Delete(iterator& at)
 void CMidiTrack::Copy(const CMidiTrack& src, const bool* keep)
 {
     if (&src == this) {
-        const CMidiTrack own = src;
-        Copy(own, keep);
+        Copy(CMidiTrack(src), keep);
         return;
     }
     Clear();

@@ -77,8 +77,9 @@ std::int32_t CMidiTrack::takePattern(const MIDIFILE& file)
     short beats = 4;
     short power = kDefaultPower;
     if (source == file.tracks) {
-        beats = decoder.meter() ? decoder.meter()->numerator : beats;
-        power = decoder.meter() ? decoder.meter()->denominatorPower : power;
+        const auto meter = decoder.meter().value_or(TrackDecoder::Meter{4, kDefaultPower});
+        beats = meter.numerator;
+        power = meter.denominatorPower;
         tempo = decoder.tempo().value_or(kDefaultTempo);
     } else {
         std::uint32_t pos = 0;

@@ -145,7 +145,7 @@ bool read_tempo(const _track* track, std::uint32_t& pos, std::uint32_t& tempo, s
         unsigned char* text = nullptr;
         if (!read_event(track->data, pos, pkt, running, &text, nullptr))
             return false;
-        if (pkt.status == kMeta && pkt.data1 == kSetTempo) {
+        if (text != nullptr && pkt.status == kMeta && pkt.data1 == kSetTempo) {
             tempo = static_cast<std::uint32_t>(text[0] << 16 | text[1] << 8 | text[2]);
             ticks = toTicks(total);
             return true;

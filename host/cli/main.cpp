@@ -7,8 +7,18 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <new>
+#include <string>
 
-int main(int argc, char** argv)
+namespace {
+
+int fail(ExitCode code, const char* line)
+{
+    std::fprintf(stderr, "looper: %s\n", line);
+    return static_cast<int>(code);
+}
+
+int run(int argc, char** argv)
 {
     CLI::App app{"Plays, renders and shows MIDI patterns through the Korvanel Looper plug-in.",
                  "looper"};
@@ -23,13 +33,22 @@ int main(int argc, char** argv)
     } catch (const CLI::Success& success) {
         return app.exit(success);
     } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "looper: %s (looper --help lists the commands)\n", error.what());
-        return static_cast<int>(ExitCode::Usage);
+        const std::string line = std::string(error.what()) + " (looper --help lists the commands)";
+        return fail(ExitCode::Usage, line.c_str());
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
     } catch (const CommandError& error) {
-        std::fprintf(stderr, "looper: %s\n", error.what());
-        return static_cast<int>(error.code());
+        return fail(error.code(), error.what());
     } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "looper: out of memory\n");
-        return static_cast<int>(ExitCode::BadPattern);
+        return fail(ExitCode::BadPattern, "out of memory");
+    } catch (const std::exception& error) {
+        return fail(ExitCode::Usage, error.what());
     }
 }

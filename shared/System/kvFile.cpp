@@ -37,7 +37,7 @@ File::~File()
 
 bool File::open(const char* path, unsigned mode, unsigned)
 {
-    close();
+    File::close(); // this class's own, also while a derived one is being made
     const char* text = modeText(mode);
     if (text != nullptr && path != nullptr)
         mFile = std::fopen(path, text);

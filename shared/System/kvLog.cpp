@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kLineBytes = 259;
 
-LogFile __ml_glog;
+LogFile __ml_glog; // NOLINT(bugprone-reserved-identifier): its name in debuggers and crash reports
 
 bool given(const char* text)
 {

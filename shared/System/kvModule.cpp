@@ -11,7 +11,7 @@ namespace {
 
 String sModulePath;
 FSSpec sModLocation;
-bool ___module_location_initialized = false;
+bool sLocated = false;
 
 /// The path without its last component and the slash before it; false when there is none left to
 /// drop.
@@ -28,7 +28,7 @@ bool climb(std::string& path)
 
 bool Module::InitSelfLocation()
 {
-    if (___module_location_initialized)
+    if (sLocated)
         return true;
     // The executable file, its folder, the contents folder and the bundle: four steps up to the
     // bundle's own folder.
@@ -39,7 +39,7 @@ bool Module::InitSelfLocation()
             return false;
     sModulePath = image.substr(0, image.rfind('/') + 1).c_str();
     sModLocation = {folder + "/", ""};
-    ___module_location_initialized = true;
+    sLocated = true;
     return true;
 }
 

@@ -300,7 +300,8 @@ bool OutputStream::WriteFloat64(double value)
     return Write(value);
 }
 
-bool OutputStream::WriteString(String value)
+// By value, as callers know its slot; a copy of a string is a count.
+bool OutputStream::WriteString(String value) // NOLINT(performance-unnecessary-value-param)
 {
     return Write(value);
 }
