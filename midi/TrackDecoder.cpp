@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace Korvanel {
 
@@ -170,12 +171,14 @@ inline void TrackDecoder::openNote(unsigned channel, unsigned key, unsigned velo
     event.key = static_cast<std::uint8_t>(key);
     event.velocity = static_cast<std::uint8_t>(velocity);
     event.duration = index;
-    if (tail != 0) {
-        MfxEvent& newest = mEvents[tail - 1];
+    if (tail == 0) {
+        tail = index;
+    } else {
+        MfxEvent& newest = mEvents[(tail & ~kSeveral) - 1];
         event.duration = newest.duration;
         newest.duration = index;
+        tail = index | kSeveral;
     }
-    tail = index;
     ++mOpenNotes;
     if (key < kKeys)
         mKeyPresent[key] = 1;
@@ -188,16 +191,24 @@ inline void TrackDecoder::closeNote(unsigned channel, unsigned key)
     std::uint32_t& tail = tailOf(channel, key);
     if (tail == 0)
         return; // it ends nothing
+    MfxEvent& ended =
+        mEvents[((tail & kSeveral) == 0 ? std::exchange(tail, 0) : takeOldest(tail)) - 1];
     --mOpenNotes;
-    const std::uint32_t oldestIndex = mEvents[tail - 1].duration;
-    MfxEvent& oldest = mEvents[oldestIndex - 1];
-    if (oldestIndex == tail)
-        tail = 0;
-    else
-        mEvents[tail - 1].duration = oldest.duration;
-    oldest.duration = static_cast<std::uint32_t>(mTick - oldest.time);
+    ended.duration = static_cast<std::uint32_t>(mTick - ended.time);
     mLastNoteEnd = mTick;
     mLastEnd = mTick;
+}
+
+/// Takes the oldest note out of a ring of several.
+std::uint32_t TrackDecoder::takeOldest(std::uint32_t& tail)
+{
+    const std::uint32_t newestIndex = tail & ~kSeveral;
+    MfxEvent& newest = mEvents[newestIndex - 1];
+    const std::uint32_t oldestIndex = newest.duration;
+    newest.duration = mEvents[oldestIndex - 1].duration;
+    if (newest.duration == newestIndex)
+        tail = newestIndex;
+    return oldestIndex;
 }
 
 inline void TrackDecoder::append(const MfxEvent& event)
@@ -211,10 +222,11 @@ inline void TrackDecoder::append(const MfxEvent& event)
 void TrackDecoder::leaveOpen(std::uint32_t* tails, std::size_t count)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        for (std::uint32_t index = tails[i]; index != 0;) {
+        const std::uint32_t newest = tails[i] & ~kSeveral;
+        for (std::uint32_t index = newest; index != 0;) {
             const std::uint32_t next = mEvents[index - 1].duration;
             mEvents[index - 1].duration = MfxEvent::kOpen;
-            index = next == tails[i] ? 0 : next;
+            index = next == newest ? 0 : next;
         }
     }
 }

@@ -50,9 +50,12 @@ private:
     std::uint32_t& tailOf(unsigned channel, unsigned key);
     void openNote(unsigned channel, unsigned key, unsigned velocity);
     void closeNote(unsigned channel, unsigned key);
+    std::uint32_t takeOldest(std::uint32_t& tail);
     void append(const MfxEvent& event);
     void leaveOpen(std::uint32_t* tails, std::size_t count);
 
+    /// Marks a tail whose ring holds several notes: one alone is found without reading the ring.
+    static constexpr std::uint32_t kSeveral = 1u << 31;
     static constexpr std::size_t kKeys = 128;
     static constexpr std::size_t kChannels = 16;
 
