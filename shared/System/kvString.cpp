@@ -194,7 +194,7 @@ String::~String()
 
 String& String::operator=(const String& stringSrc)
 {
-    if (m_pchData == stringSrc.m_pchData)
+    if (this == &stringSrc || m_pchData == stringSrc.m_pchData)
         return *this;
     const bool locked = GetData()->nRefs < 0 && GetData() != sDataNil;
     if (locked || stringSrc.GetData()->nRefs < 0) {

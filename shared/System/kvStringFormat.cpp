@@ -69,7 +69,7 @@ std::int64_t stringItem(const Conversion& c, bool wide, Arguments& arguments)
 
 std::int64_t integerItem(const Conversion& c, Arguments& arguments)
 {
-    if (c.longs > 0)
+    if (c.longs > 0) // NOLINT(bugprone-branch-clone): the types differ
         static_cast<void>(va_arg(arguments.list, long));
     else
         static_cast<void>(va_arg(arguments.list, int));
@@ -91,7 +91,7 @@ std::int64_t fixedItem(const Conversion& c, Arguments& arguments)
 
 std::int64_t exponentItem(const Conversion& c, Arguments& arguments)
 {
-    if (c.longDouble)
+    if (c.longDouble) // NOLINT(bugprone-branch-clone): the types differ
         static_cast<void>(va_arg(arguments.list, long double));
     else
         static_cast<void>(va_arg(arguments.list, double));
