@@ -78,12 +78,14 @@ void Looper::nextLoop()
 {
     mLoopOffset += loopLength();
     mCursor = 0;
+    mRewound = false;
 }
 
 void Looper::reset()
 {
     mLoopOffset = 0;
     mCursor = 0;
+    mRewound = true;
 }
 
 void Looper::setLoop(std::int32_t)
@@ -110,7 +112,7 @@ void Looper::process(std::int32_t from, std::int32_t to, ProcessContext& ctx, st
     if (mTrack.lastTick <= 0 || mTrack.events.empty())
         return;
     const TickRate rate = this->rate();
-    if (!contiguous)
+    if (mRewound)
         seek(std::min<std::int64_t>(from, std::int64_t{to} + 1), rate);
     play(from, to, ctx, rate);
 }
@@ -130,6 +132,7 @@ void Looper::seek(std::int64_t from, const TickRate& rate)
             return start + rate.hostTicks(event.time) < from;
         });
     mCursor = static_cast<std::size_t>(first - events.begin());
+    mRewound = false;
 }
 
 void Looper::play(std::int32_t from, std::int32_t to, ProcessContext& ctx, const TickRate& rate)

@@ -118,6 +118,7 @@ private:
     CriticalSection& mLock;
     ProcessContext& mContext;
     std::size_t mCursor = 0;
+    bool mRewound = true; ///< at repetition 0, which may lie far behind the slice that comes next
     std::int64_t mLoopOffset = 0; ///< from the base to the current repetition
     std::atomic<std::int32_t> mNextFrom{
         -1}; ///< the editor's cursor reads it; a stale one is a frame old

@@ -493,6 +493,42 @@ TEST(Looper, FarRepetitionsPlayAsNearOnes)
     EXPECT_EQ(player.play(INT32_MAX - 2000, INT32_MAX).size(), 4u);
 }
 
+TEST(Looper, AResetFarFromTheStartIsNotWalkedBack)
+{
+    // One host tick a repetition, so that a walk over the two thousand million of them would run
+    // into the test's time limit.
+    std::vector<MfxEvent> notes(64, noteAt(0, 4));
+    CMidiTrack track = pattern(4, notes);
+    track.numerator = 1;
+    Player player(track, 1);
+    ASSERT_EQ(player.looper.loopLength(), 1);
+    player.play(2'000'000'000, 2'000'000'000);
+    player.looper.reset();
+    EXPECT_EQ(player.play(2'000'000'001, 2'000'000'001).size(), 64u);
+    player.looper.TempoType(0);
+    EXPECT_EQ(player.play(2'000'000'002, 2'000'000'003).size(), 64u);
+}
+
+TEST(Looper, AnyResetWhilePlayingGoesOnAsAScanFromRepetition0)
+{
+    std::mt19937 random(2025);
+    for (int round = 0; round < 300; ++round) {
+        const CMidiTrack track = randomPattern(random);
+        const auto ppq = static_cast<std::int32_t>(96 + random() % 2000);
+        Player player(track, ppq);
+        std::int32_t from = 0;
+        for (int slice = 0; slice < 20; ++slice) {
+            const auto to = from + static_cast<std::int32_t>(random() % 3000);
+            const int type = static_cast<int>(random() % 3);
+            player.looper.TempoType(type);
+            player.play(from, to);
+            ASSERT_TRUE(same(player.out.events, scan(track, ppq, type, from, to, 0)))
+                << "round " << round << ": " << from << ".." << to;
+            from = to + 1;
+        }
+    }
+}
+
 TEST(Looper, ASliceNeitherAllocatesNorTakesMoreThanItsOwnLock)
 {
     LooperParameters params;
