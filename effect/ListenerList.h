@@ -1,5 +1,8 @@
 /// Who is to be told. Registrations replace the whole list, so that a broadcast from the processing
 /// thread walks one that nobody changes: it takes no lock and allocates nothing.
+///
+/// Whoever removes waits for the removed listener's own calls, outside of the list's lock: a
+/// listener that is being called may itself add and remove.
 #pragma once
 #include "shared/System/kvContracts.h"
 #include "shared/System/kvCriticalSection.h"
@@ -34,11 +37,14 @@ public:
     }
 
     /// Removes every occurrence. When this returns, no other thread is still telling the listener.
-    /// From inside a broadcast on this thread it does not wait, and the broadcast passes the
-    /// removed ones over.
+    /// Broadcasts under way pass it over, those of this thread included, so that a listener may
+    /// remove itself and others while it is told. Two listeners told on two threads must not remove
+    /// each other: each would wait for the other.
     void remove(Listener* listener) KV_EXCLUDES(mChange)
     {
         change([listener](Members& members) { std::erase(members, listener); });
+        while (listener != nullptr && toldByAnotherThread(listener))
+            std::this_thread::yield();
     }
 
     std::size_t size() const { return Walk(*this).members().size(); }
@@ -47,22 +53,29 @@ public:
     template <typename Tell>
     void broadcast(Tell tell) const
     {
-        const Walk walk(*this);
+        Walk walk(*this);
         for (Listener* listener : walk.members())
-            if (walk.stillListed(listener))
-                tell(*listener);
+            walk.tellIfListed(listener, tell);
     }
 
     template <typename Tell>
     void tellFirst(Tell tell) const
     {
-        const Walk walk(*this);
-        if (!walk.members().empty())
-            tell(*walk.members().front());
+        for (;;) { // again only when the first one has just been removed
+            Walk walk(*this);
+            if (walk.members().empty() || walk.tellIfListed(walk.members().front(), tell))
+                return;
+        }
     }
 
 private:
     static constexpr std::size_t kWalkers = 32; ///< broadcasts at one time, nested ones included
+
+    struct Walker
+    {
+        std::atomic<pthread_t> thread{0}; ///< 0 while the slot is free
+        std::atomic<const Listener*> telling{nullptr};
+    };
 
     /// A broadcast under way: while it lives, no list that it may look at is freed.
     class Walk
@@ -70,36 +83,53 @@ private:
     public:
         explicit Walk(const ListenerList& list)
             : mList(list)
-            , mSlot(claim(list))
+            , mWalker(claim(list))
             , mWalked(list.mMembers.load())
         {
         }
 
-        ~Walk() { mSlot.store(0); }
+        ~Walk()
+        {
+            mWalker.telling.store(nullptr);
+            mWalker.thread.store(0);
+        }
 
         Walk(const Walk&) = delete;
         Walk& operator=(const Walk&) = delete;
 
         const Members& members() const { return *mWalked; }
 
+        /// Announces the call before it looks whether the listener is still there: a remover takes
+        /// it from the list before it looks for calls, so one of the two sees the other.
+        template <typename Tell>
+        bool tellIfListed(Listener* listener, Tell& tell)
+        {
+            mWalker.telling.store(listener);
+            const bool listed = stillListed(listener);
+            if (listed)
+                tell(*listener);
+            mWalker.telling.store(nullptr);
+            return listed;
+        }
+
+    private:
         bool stillListed(Listener* listener) const
         {
             const Members* now = mList.mMembers.load();
             return now == mWalked || std::find(now->begin(), now->end(), listener) != now->end();
         }
 
-    private:
-        static std::atomic<pthread_t>& claim(const ListenerList& list)
+        static Walker& claim(const ListenerList& list)
         {
             for (std::size_t i = 0;; i = (i + 1) % kWalkers) {
                 pthread_t nobody = 0;
-                if (list.mWalkers[i].compare_exchange_strong(nobody, ::pthread_self()))
+                if (list.mWalkers[i].thread.compare_exchange_strong(nobody, ::pthread_self()))
                     return list.mWalkers[i];
             }
         }
 
         const ListenerList& mList;
-        std::atomic<pthread_t>& mSlot;
+        Walker& mWalker;
         const Members* mWalked;
     };
 
@@ -110,29 +140,27 @@ private:
         auto next = std::make_unique<Members>(*mMembers.load());
         edit(*next);
         mRetired.emplace_back(mMembers.exchange(next.release()));
-        if (walkedByThisThread())
-            return; // it is looking at the old list; the next change frees it
-        while (walkedByAnother())
-            std::this_thread::yield();
-        mRetired.clear();
+        if (!isWalked())
+            mRetired.clear(); // otherwise a later change frees them
     }
 
-    bool walkedByThisThread() const
+    bool isWalked() const
     {
         return std::any_of(mWalkers.begin(), mWalkers.end(),
-                           [](const auto& walker) { return walker.load() == ::pthread_self(); });
+                           [](const Walker& walker) { return walker.thread.load() != 0; });
     }
 
-    bool walkedByAnother() const
+    bool toldByAnotherThread(const Listener* listener) const
     {
-        return std::any_of(mWalkers.begin(), mWalkers.end(),
-                           [](const auto& walker) { return walker.load() != 0; });
+        return std::any_of(mWalkers.begin(), mWalkers.end(), [listener](const Walker& walker) {
+            return walker.thread.load() != ::pthread_self() && walker.telling.load() == listener;
+        });
     }
 
     CriticalSection mChange;
     std::vector<std::unique_ptr<const Members>> mRetired KV_GUARDED_BY(mChange);
     std::atomic<const Members*> mMembers{new Members};
-    mutable std::array<std::atomic<pthread_t>, kWalkers> mWalkers{};
+    mutable std::array<Walker, kWalkers> mWalkers{};
 };
 
 } // namespace Korvanel

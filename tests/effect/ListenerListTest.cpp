@@ -80,6 +80,80 @@ TEST(ListenerList, ABroadcastNeitherAllocatesNorLocks)
     EXPECT_EQ(locks.count(), 0u);
 }
 
+TEST(ListenerList, AListenerMayRemoveItselfWhileAnotherThreadRemoves)
+{
+    ListenerList<Counting> list;
+    Counting own;
+    Counting other;
+    list.add(&own);
+    list.add(&other);
+    std::atomic<bool> called{false};
+    std::thread teller([&] {
+        list.broadcast([&](Counting& listener) {
+            if (&listener != &own)
+                return;
+            called = true;
+            while (list.size() != 1) // until the other thread is in the midst of its removal
+                std::this_thread::yield();
+            list.remove(&own);
+        });
+    });
+    while (!called)
+        std::this_thread::yield();
+    list.remove(&other);
+    teller.join();
+    EXPECT_EQ(list.size(), 0u);
+}
+
+TEST(ListenerList, ARemovalFromInsideABroadcastWaitsForOtherThreadsToo)
+{
+    ListenerList<Counting> list;
+    Counting remover;
+    Counting removed;
+    list.add(&remover);
+    list.add(&removed);
+    std::atomic<bool> called{false};
+    std::atomic<bool> left{false};
+    std::thread teller([&] {
+        list.broadcast([&](Counting& listener) {
+            if (&listener != &removed)
+                return;
+            called = true;
+            for (int i = 0; i < 2000 || list.size() != 1; ++i)
+                std::this_thread::yield();
+            left = true;
+        });
+    });
+    while (!called)
+        std::this_thread::yield();
+    list.broadcast([&](Counting& listener) {
+        if (&listener == &remover)
+            list.remove(&removed);
+        EXPECT_TRUE(left);
+    });
+    teller.join();
+}
+
+TEST(ListenerList, RemovingNobodyRemovesAndWaitsForNobody)
+{
+    ListenerList<Counting> list;
+    Counting listener;
+    list.add(&listener);
+    list.remove(nullptr);
+    EXPECT_EQ(list.size(), 1u);
+}
+
+TEST(ListenerList, AnExceptionOfAListenerEndsItsCall)
+{
+    ListenerList<Counting> list;
+    Counting listener;
+    list.add(&listener);
+    EXPECT_THROW(list.broadcast([](Counting&) { throw 1; }), int);
+    std::thread remover([&] { list.remove(&listener); }); // would wait for a call that never ends
+    remover.join();
+    EXPECT_EQ(list.size(), 0u);
+}
+
 TEST(ListenerList, OnceRemovedAListenerIsNoLongerToldByAnyThread)
 {
     ListenerList<Counting> list;
