@@ -109,13 +109,13 @@ void CLooper::SetChPort(std::int16_t channel, std::int16_t port)
 
 int CLooper::recalc_velo(int v) const
 {
-    const int lo = mVeloRangeLow;
-    const int hi = mVeloRangeHigh;
-    const int mid = lo <= 99 && hi >= 101 ? 100 : (lo + hi) / 2;
+    const std::int64_t lo = mVeloRangeLow;
+    const std::int64_t hi = mVeloRangeHigh;
+    const std::int64_t mid = lo <= 99 && hi >= 101 ? 100 : (lo + hi) / 2;
     if (v <= mid)
-        return hi + (v - mid) * (hi - lo) / (mid - 1);
+        return toTicks(hi + (v - mid) * (hi - lo) / (mid - 1));
     // Above the middle the curve goes on past the range; the editor shows it so.
-    return hi + (hi - lo) / 2 + ((hi - lo) * (v - 127) / 2) / (127 - mid);
+    return toTicks(hi + (hi - lo) / 2 + ((hi - lo) * (v - 127) / 2) / (127 - mid));
 }
 
 // Positions ---------------------------------------------------------------------------------------

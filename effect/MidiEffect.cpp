@@ -1,5 +1,6 @@
 #include "effect/MidiEffect.h"
 
+#include "midi/TickMath.h"
 #include "shared/System/kvStream.h"
 
 #include <memory>
@@ -26,7 +27,7 @@ void store(int* target, std::int32_t value)
 
 std::int32_t NullMidiContext::BarPosition(int bar, int beat, int tick)
 {
-    return (bar * kNullBeats + beat) * kNullPpq + tick;
+    return toTicks((std::int64_t{bar} * kNullBeats + beat) * kNullPpq + tick);
 }
 
 void NullMidiContext::GetBar(std::int32_t at, int* bar, int* beat, int* tick)

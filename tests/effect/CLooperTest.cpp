@@ -360,7 +360,9 @@ TEST(CLooper, TheVelocityCurveIsNotClamped)
     EXPECT_EQ(effect.recalc_velo(100), 127);
     EXPECT_EQ(effect.recalc_velo(127), 175);
     EXPECT_EQ(effect.recalc_velo(1), 127 - 97);
-    EXPECT_EQ(effect.recalc_velo(113), 127 + 48 - 25); // 97 x -14 / 2 = -679, / 27 = -25
+    EXPECT_EQ(effect.recalc_velo(INT32_MAX), INT32_MAX);
+    EXPECT_EQ(effect.recalc_velo(INT32_MIN), -2'104'100'110); // 127 - 97 x 2147483748 / 99
+    EXPECT_EQ(effect.recalc_velo(113), 127 + 48 - 25);        // 97 x -14 / 2 = -679, / 27 = -25
 }
 
 TEST(CLooper, GivesItsInterfaceForTheExactName)

@@ -71,6 +71,8 @@ TEST(NullMidiContext, IsFourFourAt480And120)
     EXPECT_EQ(context.TimeSigDenominator(), 4);
     EXPECT_EQ(context.BarPosition(1, 0, 0), 1920);
     EXPECT_EQ(context.BarPosition(1, 2, 3), 2883);
+    EXPECT_EQ(context.BarPosition(INT32_MAX, 0, 0), INT32_MAX);
+    EXPECT_EQ(context.BarPosition(INT32_MIN, 0, 0), INT32_MIN);
 }
 
 TEST(NullMidiContext, SplitsTicksAndSkipsNullPointers)

@@ -67,6 +67,8 @@ TEST(OfflineRender, NoRepetitionIsAnEmptyTrack)
 {
     Effect effect(pattern(240, {noteAt(0, 10)}));
     EXPECT_TRUE(effect.render(0).events.empty());
+    EXPECT_TRUE(effect.render(-1).events.empty());
+    EXPECT_TRUE(effect.render(INT32_MIN).events.empty());
 }
 
 TEST(OfflineRender, TheTempoTypeChangesHowOftenNotHowLong)
