@@ -21,4 +21,6 @@
 #define KV_BEFORE(...) KV_ATTRIBUTE(acquired_before(__VA_ARGS__))
 #define KV_ACQUIRE(...) KV_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define KV_RELEASE(...) KV_ATTRIBUTE(release_capability(__VA_ARGS__))
+/// The operation gives out this lock itself.
+#define KV_RETURN_CAPABILITY(lock) KV_ATTRIBUTE(lock_returned(lock))
 #define KV_NO_LOCK_ANALYSIS KV_ATTRIBUTE(no_thread_safety_analysis)

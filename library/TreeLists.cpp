@@ -1,0 +1,165 @@
+// The sorted lists of a tree.
+#include "library/DirectoryTrees.h"
+
+#include <algorithm>
+
+namespace Korvanel::DirectoryTrees {
+
+namespace {
+
+bool isBefore(const Node* a, const Node* b)
+{
+    return a->name().Compare(b->name().c_str()) < 0;
+}
+
+bool isSameName(const Node* a, const Node* b)
+{
+    return a->name().Compare(b->name().c_str()) == 0;
+}
+
+} // namespace
+
+Leaf* Tree::firstLeaf() const
+{
+    return static_cast<Leaf*>(mLeaves.first);
+}
+
+Leaf* Tree::lastLeaf() const
+{
+    return static_cast<Leaf*>(mLeaves.last);
+}
+
+Tree* Tree::firstTree() const
+{
+    return static_cast<Tree*>(mTrees.first);
+}
+
+Tree* Tree::lastTree() const
+{
+    return static_cast<Tree*>(mTrees.last);
+}
+
+bool Tree::AddLeaf(Leaf* leaf)
+{
+    return add(mLeaves, leaf);
+}
+
+bool Tree::AddTree(Tree* tree)
+{
+    return add(mTrees, tree);
+}
+
+bool Tree::add(List& list, Node* node)
+{
+    Node* at = list.first;
+    if (list.last != nullptr && isBefore(list.last, node))
+        at = nullptr; // most come in order
+    while (at != nullptr && isBefore(at, node))
+        at = at->next();
+    if (at != nullptr && isSameName(at, node))
+        return false;
+    insert(list, at, node);
+    return true;
+}
+
+void Tree::AddLeaves(std::vector<Leaf*>& leaves)
+{
+    std::vector<Node*> nodes(leaves.begin(), leaves.end());
+    leaves.clear();
+    addAll(mLeaves, nodes);
+}
+
+void Tree::AddTrees(std::vector<Tree*>& trees)
+{
+    std::vector<Node*> nodes(trees.begin(), trees.end());
+    trees.clear();
+    addAll(mTrees, nodes);
+}
+
+void Tree::addAll(List& list, std::vector<Node*>& nodes)
+{
+    std::stable_sort(nodes.begin(), nodes.end(), isBefore);
+    Node* at = list.first;
+    for (Node* node : nodes) {
+        while (at != nullptr && isBefore(at, node))
+            at = at->next();
+        Node* before = at == nullptr ? list.last : at->prev();
+        const bool taken = (at != nullptr && isSameName(at, node)) ||
+                           (before != nullptr && isSameName(before, node));
+        if (taken)
+            node->release();
+        else
+            insert(list, at, node);
+    }
+}
+
+void Tree::InsertLeaf(Leaf*& pos, Leaf* leaf)
+{
+    insert(mLeaves, pos, leaf);
+    pos = leaf;
+}
+
+void Tree::InsertTree(Tree*& pos, Tree* tree)
+{
+    insert(mTrees, pos, tree);
+    pos = tree;
+}
+
+void Tree::insert(List& list, Node* before, Node* node)
+{
+    Node* after = before == nullptr ? list.last : before->prev();
+    node->SetPrev(after);
+    node->SetNext(before);
+    if (after == nullptr)
+        list.first = node;
+    if (before == nullptr)
+        list.last = node;
+    ++mListChanges;
+}
+
+Leaf* Tree::RemoveLeaf(Leaf*& pos)
+{
+    Leaf* leaf = pos;
+    pos = static_cast<Leaf*>(leaf->next());
+    unlink(mLeaves, leaf);
+    return leaf;
+}
+
+Tree* Tree::RemoveTree(Tree*& pos)
+{
+    Tree* tree = pos;
+    pos = static_cast<Tree*>(tree->next());
+    unlink(mTrees, tree);
+    return tree;
+}
+
+void Tree::unlink(List& list, Node* node)
+{
+    Node* before = node->prev();
+    Node* after = node->next();
+    node->SetPrev(nullptr);
+    node->SetNext(nullptr);
+    if (before != nullptr)
+        before->SetNext(after);
+    if (list.first == node)
+        list.first = after;
+    if (list.last == node)
+        list.last = before;
+    ++mListChanges;
+}
+
+void Tree::releaseAll(List& list)
+{
+    for (Node* node = list.first; node != nullptr;) {
+        Node* next = node->next();
+        // Who still holds the child may ask it for its path: there is no parent to ask any more.
+        node->mParent = nullptr;
+        node->mNext = nullptr;
+        node->mPrev = nullptr;
+        node->release();
+        node = next;
+    }
+    list = {};
+}
+
+} // namespace Korvanel::DirectoryTrees
