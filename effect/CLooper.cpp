@@ -7,13 +7,9 @@
 #include <cstring>
 #include <memory>
 
-using Korvanel::CriticalSection;
 using Korvanel::ScopedLock;
 
 std::atomic<std::int32_t> g_lComponents{0};
-
-CriticalSection CLooper::mLoopersLock;
-std::vector<CLooper*> CLooper::mLoopers;
 
 namespace {
 
@@ -47,18 +43,13 @@ CLooper::~CLooper()
     releaseContext(mContext);
     --g_lComponents;
     leaveLoopers();
+    closeLibrary();
 }
 
 void CLooper::releaseContext(ProcessContext* context)
 {
     if (context != &defaultProcessContext)
         delete context;
-}
-
-void CLooper::leaveLoopers()
-{
-    const ScopedLock hold(mLoopersLock);
-    std::erase(mLoopers, this);
 }
 
 void CLooper::Initialize(Korvanel::MidiContext* context)
@@ -70,10 +61,8 @@ void CLooper::connect(ProcessContext* context)
 {
     auto looper = std::make_unique<Korvanel::Looper>(mPlayTrack, mLock, *context, &mParams);
     looper->TempoType(tempoType());
-    {
-        const ScopedLock hold(mLoopersLock);
-        mLoopers.push_back(this);
-    }
+    openLibrary();
+    joinLoopers();
     mContext = context;
     mLooper = looper.release();
 }
@@ -191,9 +180,4 @@ void CLooper::tellFirstListener(void (Listener::*notify)(int), int value)
 void CLooper::start_playing()
 {
     broadcast_to_listeners(&Listener::startPlaying);
-}
-
-void CLooper::PatternTreeIsUpdated()
-{
-    broadcast_to_listeners(&Listener::patternsChanged);
 }

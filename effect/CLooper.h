@@ -14,7 +14,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <vector>
+
+class PatternTree;
 
 /// Process-wide number of live effects.
 extern std::atomic<std::int32_t> g_lComponents;
@@ -118,6 +121,9 @@ public:
     void disconnect();
 
     // Pattern
+    /// Plays a pattern of the library, by its style's path with backslashes and its file's name.
+    /// Nothing happens when there is none or it cannot be read.
+    void ChangePattern(const char* style, const char* pattern) KV_EXCLUDES(mEdit, mLock);
     void set_track(const Korvanel::CMidiTrack& src) KV_EXCLUDES(mEdit, mLock);
     void Clear() KV_EXCLUDES(mEdit, mLock);
     void SetStyleName(const char* name);    ///< of the pattern and the effect
@@ -210,6 +216,14 @@ public:
     void start_playing();
     void PatternTreeIsUpdated();
 
+    // The library, which all effects of the process share
+    /// Made by the first effect that connects; gone, once nobody holds it, when an effect goes and
+    /// no other is connected. Null before and after. Thread: any but the processing one.
+    static std::shared_ptr<PatternTree> patternTree() KV_EXCLUDES(mPatternsLock);
+    /// Tells every connected effect that the library changed, on the calling thread and with the
+    /// list of effects locked: a listener must not wait for another thread that connects or goes.
+    static void on_tree_change() KV_EXCLUDES(mLoopersLock);
+
     // State
     void DoSave(Korvanel::OutputStream* stream, bool);
     /// @return false when the pattern in it is damaged; what stands before it has been taken then
@@ -229,6 +243,9 @@ private:
     std::int32_t repetitionIn(const ProcessContext& ctx) const;
     void releaseContext(ProcessContext* context);
     void leaveLoopers();
+    void joinLoopers();
+    void openLibrary();
+    static void closeLibrary();
 
     mutable Korvanel::CriticalSection mEdit KV_BEFORE(mLock);
     mutable Korvanel::CriticalSection mLock;
@@ -253,6 +270,8 @@ private:
     Korvanel::ListenerList<Listener> mListeners;
     PatternChangeNotifier mNotifier;
 
-    static Korvanel::CriticalSection mLoopersLock;
+    static Korvanel::CriticalSection mPatternsLock;
+    static std::shared_ptr<PatternTree> mPatternTree KV_GUARDED_BY(mPatternsLock);
+    static Korvanel::CriticalSection mLoopersLock KV_BEFORE(mPatternsLock);
     static std::vector<CLooper*> mLoopers KV_GUARDED_BY(mLoopersLock); ///< connected effects
 };

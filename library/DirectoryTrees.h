@@ -29,6 +29,9 @@ protected:
 /// over. A tree holds one reference to each of its children.
 class Node
 {
+protected:
+    virtual ~Node() = default; // the first slot
+
 public:
     enum Flag : std::uint32_t {
         IsTreeFlag = 1,
@@ -85,8 +88,6 @@ public:
     void SetNext(Node* node);
 
 protected:
-    virtual ~Node() = default;
-
     void setFlag(Flag flag) { mFlags |= flag; }
 
 private:
