@@ -320,6 +320,22 @@ TEST_F(MidiFile, MeterAndKeyAreReadAndOverwrittenInPlace)
               (Bytes{0, 0xFF, 0x58, 4, 3, 2, 24, 8, 0, 0xFF, 0x59, 2, 1, 1, 0, 0xFF, 0x2F, 0}));
 }
 
+TEST_F(MidiFile, MeterAndKeyCountOnlyWithTheirOwnStatus)
+{
+    // Two meters and two keys; the first of each runs on the status of the text in front.
+    _track* block = track({0, 0xFF, 1,    0,    0, 0x58, 2, 7, 4,    0,    0x59, 2, 5,
+                           1, 0,    0xFF, 0x58, 2, 6,    3, 0, 0xFF, 0x59, 2,    1, 0});
+    short numerator = 0;
+    short power = 0;
+    ASSERT_TRUE(get_meter(block, numerator, power));
+    EXPECT_EQ(numerator, 6);
+    EXPECT_EQ(power, 3);
+    EXPECT_TRUE(set_meter(block, 3, 2));
+    EXPECT_TRUE(set_sig(block, 1));
+    EXPECT_EQ(held(block), (Bytes{0, 0xFF, 1,    0,    0, 0x58, 2, 7, 4,    0,    0x59, 2, 5,
+                                  1, 0,    0xFF, 0x58, 2, 3,    2, 0, 0xFF, 0x59, 2,    1, 1}));
+}
+
 TEST_F(MidiFile, WithoutAMeterBeforeTheEndThereIsNone)
 {
     _track* block = track({0, 0xFF, 0x2F, 0, 0, 0xFF, 0x58, 4, 6, 3, 24, 8});

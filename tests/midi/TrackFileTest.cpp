@@ -123,6 +123,44 @@ TEST(TrackFile, TheFirstMeterAndTempoOfTheTrackCount)
     EXPECT_EQ(track.tempo, 1u);
 }
 
+TEST(TrackFile, AMeterOnTheStatusOfAnotherEventIsNone)
+{
+    const Bytes data = Bytes{0, 0xFF, 1, 0, 0, 0x58, 4, 7, 4, 24, 8};
+    CMidiTrack track;
+    ASSERT_EQ(load(track, midiFile(96, {data + oneNote(1)})), 0);
+    EXPECT_EQ(track.numerator, 4);
+    EXPECT_EQ(track.denominator, 4);
+    ASSERT_EQ(load(track, midiFile(96, {data + kTrackEnd, oneNote(1)})), 0);
+    EXPECT_EQ(track.numerator, 4); // alike when the notes are on another track
+}
+
+TEST(TrackFile, ATempoOnTheStatusOfAnotherEventCounts)
+{
+    const Bytes data = Bytes{0, 0xFF, 1, 0, 0, 0x51, 3, 0x09, 0x27, 0xC0};
+    CMidiTrack track;
+    ASSERT_EQ(load(track, midiFile(96, {data + oneNote(1)})), 0);
+    EXPECT_EQ(track.tempo, 600000u);
+    ASSERT_EQ(load(track, midiFile(96, {data + kTrackEnd, oneNote(1)})), 0);
+    EXPECT_EQ(track.tempo, 600000u);
+}
+
+TEST(TrackFile, PressureAndWheelKeepTheirValues)
+{
+    const Bytes data{0, 0xA2, 60, 70, 1, 0xD2, 71, 1, 0xE2, 127, 127, 1, 0xE2, 0, 0};
+    CMidiTrack track;
+    ASSERT_EQ(load(track, midiFile(240, {data + kTrackEnd})), 0);
+    ASSERT_EQ(track.events.size(), 4u);
+    EXPECT_EQ(track.events[0].type, MfxEvent::KeyAftertouch);
+    EXPECT_EQ(track.events[0].key, 60);
+    EXPECT_EQ(track.events[0].amount, 70);
+    EXPECT_EQ(track.events[1].type, MfxEvent::ChannelAftertouch);
+    EXPECT_EQ(track.events[1].amount, 71);
+    EXPECT_EQ(track.events[2].wheel(), 8191);
+    EXPECT_EQ(track.events[3].wheel(), -8192);
+    EXPECT_EQ(track.events[3].channel, 2);
+    EXPECT_EQ(events(track), data);
+}
+
 TEST(TrackFile, ANoteWithoutAnEndStaysOpen)
 {
     CMidiTrack track;
