@@ -208,6 +208,7 @@ int mf_add_tblk(_track* track, std::uint32_t size)
     std::memset(data + size, 0, kGuardBytes);
     track->data = data;
     track->capacity = size;
+    track->length = std::min(track->length, size); // the readers stop there
     return kMfOk;
 }
 
@@ -290,7 +291,8 @@ int mf_save(const MIDIFILE* file, OutputStream& stream)
         std::array<unsigned char, 8> header{};
         putBigEndian(putTag(header.data(), "MTrk"), track.length, 4);
         stream.Write(static_cast<const void*>(header.data()), header.size());
-        stream.Write(static_cast<const void*>(track.data), track.length);
+        if (track.length > 0) // an empty track may have no block at all
+            stream.Write(static_cast<const void*>(track.data), track.length);
     });
     return kMfOk;
 }
@@ -304,7 +306,8 @@ int mf_save(const MIDIFILE* file, const char* path)
     writeHeader(file, stream);
     forEachWrittenTrack(file, [&](const _track& track) {
         stream.Write(static_cast<const void*>("MTrk"), 4);
-        stream.Write(static_cast<const void*>(track.data), track.length);
+        if (track.length > 0)
+            stream.Write(static_cast<const void*>(track.data), track.length);
     });
     return kMfOk;
 }

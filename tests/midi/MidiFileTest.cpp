@@ -90,6 +90,26 @@ TEST_F(MidiFile, ABlockGrowsOnlyUpwards)
     EXPECT_EQ(block->capacity, 11u);
 }
 
+TEST_F(MidiFile, AnAddedTrackHasNoBlockUntilAByteIsWritten)
+{
+    _track* block = mf_add_track(&file);
+    EXPECT_EQ(block->tag, 0u);
+    EXPECT_EQ(block->length, 0u);
+    EXPECT_EQ(block->data, nullptr);
+    EXPECT_EQ(block->next, nullptr);
+    write_byte(block, block->length, 5);
+    EXPECT_EQ(held(block), Bytes{5});
+    EXPECT_EQ(block->capacity, 1000u);
+}
+
+TEST_F(MidiFile, ASmallerBlockHoldsNoMoreThanItsSize)
+{
+    _track* block = track({0, 0x90, 60, 1});
+    ASSERT_EQ(mf_add_tblk(block, 2), 0);
+    EXPECT_EQ(block->capacity, 2u);
+    EXPECT_LE(block->length, 2u); // the readers stop at the length
+}
+
 TEST_F(MidiFile, CopyingATrackTakesItsBytesOnly)
 {
     _track* from = track({1, 2, 3});
@@ -187,6 +207,16 @@ TEST_F(MidiFile, SavesWhatItLoaded)
     stringStream stream;
     EXPECT_EQ(mf_save(&file, stream), 0);
     EXPECT_EQ(stream.text(), text(bytes));
+}
+
+TEST_F(MidiFile, ATrackThatNeverHadABlockIsSavedEmpty)
+{
+    mf_add_track(&file);
+    file.ntracks = 1;
+    Bytes bytes(22);
+    SimpleMemoryStream stream(bytes.data()); // copies whatever it is given, null too
+    EXPECT_EQ(mf_save(&file, stream), 0);
+    EXPECT_EQ(bytes, midiFile(96, {{}}));
 }
 
 TEST_F(MidiFile, SavingByPathLeavesTheTrackLengthsOut)
