@@ -27,6 +27,8 @@ protected:
         std::filesystem::remove(mPath);
     }
 
+    const char* path() const { return mPath.c_str(); }
+
     /// Through the stream that says 1 for a whole block and 0 for a torn one.
     int loadByBlocks(const Bytes& bytes)
     {
@@ -91,6 +93,25 @@ TEST_F(MidiFileStream, APatternLoadsWholeThroughAStreamThatCountsBlocks)
     EXPECT_EQ(held(file.tracks->next), Bytes{});
     EXPECT_EQ(held(file.tracks->next->next), Bytes{4});
     EXPECT_EQ(held(mf_last_track(&file)), (Bytes{5, 6}));
+}
+
+TEST_F(MidiFileStream, APatternSavedByBlocksLoadsByBlocks)
+{
+    CMidiTrack track;
+    track.insert(note(0, 36, 10));
+    track.insert(note(240, 38, 100));
+    {
+        File opened(path(), File::WriteMode, 0);
+        SimpleStream<File> stream(opened);
+        EXPECT_EQ(track.Save(stream), 0);
+    }
+    CMidiTrack loaded;
+    File opened(path(), File::ReadMode, 0);
+    SimpleStream<File> stream(opened);
+    ASSERT_EQ(loaded.Load(stream, nullptr, nullptr), 0);
+    EXPECT_EQ(save(loaded), save(track));
+    EXPECT_EQ(loaded.GetLen(), 2);
+    EXPECT_EQ(loaded.lastTick, 340);
 }
 
 TEST_F(MidiFileStream, ALongTrackLoadsWholeThroughAStreamThatCountsBlocks)
