@@ -45,7 +45,7 @@ std::int32_t CMidiTrack::barLength() const
 std::int32_t CMidiTrack::numberOfBars() const
 {
     const std::int64_t bar = barLength();
-    return bar == 0 ? 0 : toTicks((bar + lastTick - 1) / bar);
+    return bar == 0 || lastTick < 0 ? 0 : toTicks((bar + lastTick - 1) / bar);
 }
 
 std::int32_t CMidiTrack::GetFirst() const

@@ -8,6 +8,10 @@ namespace Korvanel {
 
 namespace {
 
+/// Behind every tick and every duration, and far enough from the end of its type to be reckoned
+/// with.
+constexpr std::int64_t kNoEnd = INT64_MAX / 2;
+
 bool isNoteOf(const MfxEvent& event, int key)
 {
     return event.isNote() && event.key == key;
@@ -155,7 +159,7 @@ void CMidiTrack::Slice(int start, int offset, int length)
 {
     const std::int64_t quarter = ticksPerQuarter;
     const std::int64_t from = start * quarter;
-    const std::int64_t end = length == 0 ? INT64_MAX : (std::int64_t{start} + length) * quarter;
+    const std::int64_t end = length == 0 ? kNoEnd : (std::int64_t{start} + length) * quarter;
     const std::int64_t earlier = (std::int64_t{start} - offset) * quarter;
     lastTick = -1;
     std::erase_if(events, [&](MfxEvent& event) {

@@ -49,7 +49,9 @@ int CMidiTrack::Load(InputStream& stream, const char*, const Meter*)
     OwnedMidiFile owned;
     if (mf_load(&owned.file, stream) != kMfOk)
         return 1;
-    lastTick = takePattern(owned.file);
+    CMidiTrack loaded; // memory may run out on the way
+    loaded.lastTick = loaded.takePattern(owned.file);
+    *this = std::move(loaded);
     return 0;
 }
 

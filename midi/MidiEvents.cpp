@@ -29,17 +29,19 @@ void skip(std::uint32_t& pos, std::uint32_t count)
 }
 
 /// The first data byte of the block's first meta event of a kind; null when there is none before
-/// the track's end.
+/// the track's end. One that runs on the status of the meta event before it does not count: no
+/// writer means that.
 unsigned char* findMeta(const _track* track, unsigned char type)
 {
     short running = 0;
     Pkt pkt{};
     for (std::uint32_t pos = 0; pos < track->length;) {
         read_delta(track->data, pos);
+        const bool ownStatus = track->data[pos] == kMeta;
         unsigned char* text = nullptr;
         if (!read_event(track->data, pos, pkt, running, &text, nullptr))
             return nullptr;
-        if (pkt.status == kMeta && pkt.data1 == type)
+        if (ownStatus && pkt.data1 == type)
             return text;
     }
     return nullptr;

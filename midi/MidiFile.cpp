@@ -13,8 +13,10 @@ namespace Korvanel {
 
 namespace {
 
-/// A declared length is believed up to here; beyond, the block grows with what arrives.
+/// A declared length is believed up to the first piece; beyond, the block grows with what arrives,
+/// and is never ahead of it by more than the largest.
 constexpr std::uint32_t kFirstPiece = 64 * 1024;
+constexpr std::uint32_t kLargestPiece = 1024 * 1024;
 
 struct CloseFile
 {
@@ -36,22 +38,62 @@ bool reallocateBlock(_track* track, std::uint32_t size)
     return true;
 }
 
-std::uint32_t readBigEndian(InputStream& stream, std::uint32_t bytes)
+/// What a file is read from. Most streams say how many bytes came; one over a File says 1 for a
+/// block that came whole and 0 for a torn one. The magic shows which it is: four bytes, or one
+/// block.
+class Source
 {
-    std::array<unsigned char, 4> raw{};
-    stream.Read(static_cast<void*>(raw.data()), bytes);
-    std::uint32_t value = 0;
-    for (std::uint32_t i = 0; i < bytes; ++i)
-        value = value << 8 | raw[i];
-    return value;
-}
+public:
+    explicit Source(InputStream& stream)
+        : mStream(stream)
+    {
+    }
 
-bool readTag(InputStream& stream, const char* tag)
-{
-    std::array<char, 4> raw{};
-    stream.Read(static_cast<void*>(raw.data()), 4);
-    return std::memcmp(raw.data(), tag, 4) == 0;
-}
+    /// The file's first four bytes. @return false when they are not the magic
+    bool readMagic()
+    {
+        std::array<char, 4> raw{};
+        mCountsBlocks = mStream.Read(static_cast<void*>(raw.data()), 4) == 1;
+        return std::memcmp(raw.data(), "MThd", 4) == 0;
+    }
+
+    bool readTag(const char* tag)
+    {
+        std::array<char, 4> raw{};
+        mStream.Read(static_cast<void*>(raw.data()), 4);
+        return std::memcmp(raw.data(), tag, 4) == 0;
+    }
+
+    std::uint32_t readBigEndian(std::uint32_t bytes)
+    {
+        std::array<unsigned char, 4> raw{};
+        mStream.Read(static_cast<void*>(raw.data()), bytes);
+        std::uint32_t value = 0;
+        for (std::uint32_t i = 0; i < bytes; ++i)
+            value = value << 8 | raw[i];
+        return value;
+    }
+
+    /// @return the bytes that came: fewer than `size` only when the stream has no more
+    std::uint32_t read(unsigned char* to, std::uint32_t size)
+    {
+        // A torn block does not tell how many of its bytes came. Of one byte both counts are equal.
+        const std::uint32_t step = mCountsBlocks ? 1 : size;
+        std::uint32_t came = 0;
+        while (came < size) {
+            const std::uint32_t asked = std::min(step, size - came);
+            const std::uint32_t count = mStream.Read(static_cast<void*>(to + came), asked);
+            if (count == 0)
+                break;
+            came += std::min(count, asked);
+        }
+        return came;
+    }
+
+private:
+    InputStream& mStream;
+    bool mCountsBlocks = false;
+};
 
 unsigned char* putBigEndian(unsigned char* at, std::uint32_t value, int bytes)
 {
@@ -66,24 +108,24 @@ unsigned char* putTag(unsigned char* at, const char* tag)
     return at + 4;
 }
 
-/// Fills the block with up to `size` bytes, in pieces that at most double what has arrived.
-int readBlock(_track* track, InputStream& stream, std::uint32_t size)
+/// Fills the block with up to `size` bytes, piece by piece as they arrive.
+int readBlock(_track* track, Source& source, std::uint32_t size)
 {
     do {
         const std::uint32_t had = track->length;
-        const std::uint32_t piece = std::min(size - had, std::max(had, kFirstPiece));
+        const std::uint32_t piece =
+            std::min(size - had, std::clamp(had, kFirstPiece, kLargestPiece));
         if (!reallocateBlock(track, had + piece))
             return kMfNoMemory;
-        const std::uint32_t came =
-            piece == 0 ? 0 : stream.Read(static_cast<void*>(track->data + had), piece);
-        track->length = had + std::min(came, piece);
+        const std::uint32_t came = source.read(track->data + had, piece);
+        track->length = had + came;
         if (came < piece)
             return reallocateBlock(track, track->length) ? kMfOk : kMfNoMemory;
     } while (track->length < size);
     return kMfOk;
 }
 
-int loadTracks(MIDIFILE* file, InputStream& stream)
+int loadTracks(MIDIFILE* file, Source& source)
 {
     _track* last = mf_last_track(file);
     for (int i = 0; i < file->ntracks; ++i) {
@@ -92,10 +134,10 @@ int loadTracks(MIDIFILE* file, InputStream& stream)
             return kMfNoMemory;
         (last == nullptr ? file->tracks : last->next) = track;
         last = track;
-        if (!readTag(stream, "MTrk"))
+        if (!source.readTag("MTrk"))
             return kMfBadData;
-        const std::uint32_t size = readBigEndian(stream, 4);
-        if (const int result = readBlock(track, stream, size); result != kMfOk)
+        const std::uint32_t size = source.readBigEndian(4);
+        if (const int result = readBlock(track, source, size); result != kMfOk)
             return result;
     }
     return kMfOk;
@@ -166,6 +208,7 @@ int mf_add_tblk(_track* track, std::uint32_t size)
     std::memset(data + size, 0, kGuardBytes);
     track->data = data;
     track->capacity = size;
+    track->length = std::min(track->length, size); // the readers stop there
     return kMfOk;
 }
 
@@ -223,12 +266,13 @@ void mf_free(MIDIFILE* file)
 
 int mf_load(MIDIFILE* file, InputStream& stream)
 {
-    if (!readTag(stream, "MThd") || readBigEndian(stream, 4) != 6)
+    Source source(stream);
+    if (!source.readMagic() || source.readBigEndian(4) != 6)
         return kMfBadData;
-    file->format = static_cast<std::uint16_t>(readBigEndian(stream, 2));
-    file->ntracks = static_cast<std::uint16_t>(readBigEndian(stream, 2));
-    file->division = static_cast<std::uint16_t>(readBigEndian(stream, 2));
-    return loadTracks(file, stream);
+    file->format = static_cast<std::uint16_t>(source.readBigEndian(2));
+    file->ntracks = static_cast<std::uint16_t>(source.readBigEndian(2));
+    file->division = static_cast<std::uint16_t>(source.readBigEndian(2));
+    return loadTracks(file, source);
 }
 
 int mf_load(MIDIFILE* file, const char* path)
@@ -247,7 +291,8 @@ int mf_save(const MIDIFILE* file, OutputStream& stream)
         std::array<unsigned char, 8> header{};
         putBigEndian(putTag(header.data(), "MTrk"), track.length, 4);
         stream.Write(static_cast<const void*>(header.data()), header.size());
-        stream.Write(static_cast<const void*>(track.data), track.length);
+        if (track.length > 0) // an empty track may have no block at all
+            stream.Write(static_cast<const void*>(track.data), track.length);
     });
     return kMfOk;
 }
@@ -261,7 +306,8 @@ int mf_save(const MIDIFILE* file, const char* path)
     writeHeader(file, stream);
     forEachWrittenTrack(file, [&](const _track& track) {
         stream.Write(static_cast<const void*>("MTrk"), 4);
-        stream.Write(static_cast<const void*>(track.data), track.length);
+        if (track.length > 0)
+            stream.Write(static_cast<const void*>(track.data), track.length);
     });
     return kMfOk;
 }

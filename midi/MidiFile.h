@@ -60,8 +60,9 @@ _track* mf_last_netrack(MIDIFILE* file);
 // Whole files -----------------------------------------------------------------------------------
 
 /// Reads a file into an initialised record. On failure it may hold some tracks: mf_free it in any
-/// case. A short source is no failure: a block then holds what arrived, at no more cost than that.
-/// Exceptions of the stream pass through.
+/// case. A short source is no failure: a block then holds what arrived, at the cost of that and at
+/// most a megabyte. The stream may count bytes or, as one over a File does, blocks. Exceptions of
+/// the stream pass through.
 /// @return an MfResult
 int mf_load(MIDIFILE* file, InputStream& stream);
 int mf_load(MIDIFILE* file, const char* path);

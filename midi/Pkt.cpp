@@ -50,7 +50,6 @@ bool Pkt::Assign(const MfxEvent& event)
 Pkt::operator MfxEvent() const
 {
     MfxEvent event{};
-    event.channel = static_cast<std::uint8_t>(status & 0x0F);
     switch (kind()) {
     case 0x90:
     case 0x80:
@@ -78,8 +77,9 @@ Pkt::operator MfxEvent() const
         break;
     default:
         event.type = MfxEvent::NotChannel;
-        break;
+        return event;
     }
+    event.channel = static_cast<std::uint8_t>(status & 0x0F);
     return event;
 }
 

@@ -119,6 +119,8 @@ inline void TrackDecoder::decodeMessage(unsigned status)
 
 void TrackDecoder::decodeMeta()
 {
+    // A meter on a running status is none, as for get_meter. Behind a delta stands no such byte.
+    const bool ownStatus = mAt[-1] == 0xFF;
     const unsigned type = *mAt++;
     const std::uint32_t length = *mAt++;
     if (type == kTrackName || type == kLyric)
@@ -127,7 +129,7 @@ void TrackDecoder::decodeMeta()
         mEnded = true;
     else if (type == kSetTempo && !mEnded && !mTempo)
         mTempo = static_cast<std::uint32_t>(mAt[0] << 16 | mAt[1] << 8 | mAt[2]);
-    else if (type == kTimeSignature && !mEnded && !mMeter)
+    else if (type == kTimeSignature && ownStatus && !mEnded && !mMeter)
         mMeter = Meter{mAt[0], mAt[1]};
     skip(length);
 }

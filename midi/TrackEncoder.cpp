@@ -18,6 +18,7 @@ constexpr unsigned kSetTempo = 0x51;
 constexpr unsigned kTimeSignature = 0x58;
 constexpr unsigned kKeySignature = 0x59;
 constexpr std::int64_t kMinuteTimesHundred = 6000000000; ///< microseconds
+constexpr std::int64_t kSlowestTempo = 0xFFFFFF;         ///< microseconds a quarter, in three bytes
 constexpr int kDefaultBpm = 12000;
 constexpr std::uint32_t kLargestEvent = 8; ///< a delta of five bytes and three bytes of message
 /// Readers of ours take a meta event's length from one byte below 128; a longer name would hide all
@@ -64,9 +65,10 @@ inline void TrackEncoder::putEvent(std::int32_t time, std::uint32_t message, int
 
 inline void TrackEncoder::putDelta(std::int32_t time)
 {
+    // Time never goes back: what follows an event out of order stays where it is.
     const auto delta =
         static_cast<std::uint32_t>(std::max<std::int64_t>(std::int64_t{time} - mLastTime, 0));
-    mLastTime = time;
+    mLastTime = std::max(mLastTime, time);
     if (delta < 0x80)
         put(delta);
     else
@@ -96,8 +98,8 @@ void TrackEncoder::head(int beats, short denominatorPower, int hundredthsBpm, in
     put(0);
     put(0);
     putMeta(kSetTempo, 3);
-    const auto tempo = static_cast<std::uint64_t>(
-        kMinuteTimesHundred / (hundredthsBpm > 0 ? hundredthsBpm : kDefaultBpm));
+    const auto tempo = static_cast<std::uint32_t>(std::min(
+        kMinuteTimesHundred / (hundredthsBpm > 0 ? hundredthsBpm : kDefaultBpm), kSlowestTempo));
     put(static_cast<unsigned>(tempo >> 16));
     put(static_cast<unsigned>(tempo >> 8));
     put(static_cast<unsigned>(tempo));

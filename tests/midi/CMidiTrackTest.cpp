@@ -63,6 +63,17 @@ TEST(CMidiTrack, BarsHoldTheLastEnd)
     EXPECT_EQ(track.numberOfBars(), 1);
 }
 
+TEST(CMidiTrack, AnEmptyTrackHasNoBarsHoweverShortTheyAre)
+{
+    CMidiTrack track;
+    track.numerator = 1;
+    track.ticksPerQuarter = 1;
+    ASSERT_EQ(track.barLength(), 1);
+    EXPECT_EQ(track.numberOfBars(), 0);
+    track.insert(note(0, 60, 3));
+    EXPECT_EQ(track.numberOfBars(), 3);
+}
+
 TEST(CMidiTrack, AMeterWithoutABarHasNoBars)
 {
     CMidiTrack track = trackOf({note(0, 60, 100)});
@@ -321,6 +332,17 @@ TEST(CMidiTrack, EmptyBarsAreEaten)
     EXPECT_EQ(times(track), (std::vector<std::int32_t>{0, 80}));
 }
 
+TEST(CMidiTrack, EatingNothingDoesNotRecount)
+{
+    CMidiTrack track = trackOf({note(0, 60, 10)});
+    track.lastTick = 5000;
+    track.EatEmptyBars(960);
+    EXPECT_EQ(track.lastTick, 5000);
+    CMidiTrack silent = trackOf({controller(2000, 1, 1)});
+    silent.EatEmptyBars(960);
+    EXPECT_EQ(times(silent), (std::vector<std::int32_t>{2000}));
+}
+
 TEST(CMidiTrack, SliceCutsAndMoves)
 {
     CMidiTrack track =
@@ -338,6 +360,26 @@ TEST(CMidiTrack, SliceWithoutALengthTakesTheRest)
     track.Slice(1, 0, 0);
     EXPECT_EQ(times(track), (std::vector<std::int32_t>{0}));
     EXPECT_EQ(track.lastTick, 1000);
+}
+
+TEST(CMidiTrack, SliceFromBeforeTheStartTakesEverything)
+{
+    CMidiTrack track = trackOf({note(-100, 60, 10), note(0, 61, 10)});
+    track.Slice(-1, 0, 0); // a quarter is 240
+    EXPECT_EQ(times(track), (std::vector<std::int32_t>{140, 240}));
+    EXPECT_EQ(track.events[0].duration, 10u);
+    EXPECT_EQ(track.lastTick, 250);
+}
+
+TEST(CMidiTrack, SliceEndsAnOpenNoteAtItsEndOnly)
+{
+    CMidiTrack track = trackOf({note(0, 60, MfxEvent::kOpen), controller(10, 1, 1)});
+    CMidiTrack rest = track;
+    track.Slice(0, 0, 2);
+    EXPECT_EQ(track.events[0].duration, 480u);
+    rest.Slice(0, 0, 0);
+    EXPECT_EQ(rest.events[0].duration, MfxEvent::kOpen);
+    EXPECT_EQ(rest.lastTick, 10);
 }
 
 TEST(CMidiTrack, AnEmptySliceHasNoLastTick)
@@ -391,4 +433,34 @@ TEST(CMidiTrack, MembersOnBothSidesAreNotAddedUp)
     CMidiTrack track = trackOf({note(0, 42, 1), note(5, 40, 1), note(8, 44, 1)});
     track.TransposeNote(40, 46, groups, 10, false);
     EXPECT_EQ(keys(track), (std::vector<int>{42, 46, 44}));
+}
+
+TEST(CMidiTrack, ADoubleOfTheNewKeyOnEitherSideErasesTheNote)
+{
+    CMidiTrack track = trackOf({note(0, 40, 1), note(10, 46, 1), note(20, 40, 1), note(31, 40, 1)});
+    track.TransposeNote(40, 46, nullptr, 10, true);
+    EXPECT_EQ(times(track), (std::vector<std::int32_t>{10, 31}));
+    EXPECT_EQ(track.keyCount, 1);
+    CMidiTrack unchecked = trackOf({note(0, 40, 1), note(10, 46, 1)});
+    unchecked.TransposeNote(40, 46, nullptr, 10, false);
+    EXPECT_EQ(times(unchecked), (std::vector<std::int32_t>{0, 10}));
+}
+
+TEST(CMidiTrack, WithTheCheckOnNotesOfTheNewKeyAreNoMembersOfItsGroup)
+{
+    const MonoGroup groups[] = {{2, {42, 46}}, {0, {}}};
+    CMidiTrack track = trackOf({note(0, 46, 1), note(5, 46, 2), note(100, 42, 3)});
+    track.DeleteDoubles(10, groups, false); // the two count as each other's group: both go
+    EXPECT_EQ(times(track), (std::vector<std::int32_t>{5, 100}));
+    CMidiTrack checked = trackOf({note(0, 46, 1), note(50, 46, 2), note(55, 42, 3)});
+    checked.TransposeNote(46, 46, groups, 10, true);
+    EXPECT_EQ(times(checked), (std::vector<std::int32_t>{0, 55}));
+}
+
+TEST(CMidiTrack, AGroupOfOneAlwaysSounds)
+{
+    const MonoGroup groups[] = {{1, {46}}, {0, {}}};
+    CMidiTrack track = trackOf({note(0, 40, 1), note(0, 41, 1)});
+    track.TransposeNote(40, 46, groups, 10, false);
+    EXPECT_EQ(keys(track), (std::vector<int>{41}));
 }

@@ -90,6 +90,26 @@ TEST_F(MidiFile, ABlockGrowsOnlyUpwards)
     EXPECT_EQ(block->capacity, 11u);
 }
 
+TEST_F(MidiFile, AnAddedTrackHasNoBlockUntilAByteIsWritten)
+{
+    _track* block = mf_add_track(&file);
+    EXPECT_EQ(block->tag, 0u);
+    EXPECT_EQ(block->length, 0u);
+    EXPECT_EQ(block->data, nullptr);
+    EXPECT_EQ(block->next, nullptr);
+    write_byte(block, block->length, 5);
+    EXPECT_EQ(held(block), Bytes{5});
+    EXPECT_EQ(block->capacity, 1000u);
+}
+
+TEST_F(MidiFile, ASmallerBlockHoldsNoMoreThanItsSize)
+{
+    _track* block = track({0, 0x90, 60, 1});
+    ASSERT_EQ(mf_add_tblk(block, 2), 0);
+    EXPECT_EQ(block->capacity, 2u);
+    EXPECT_LE(block->length, 2u); // the readers stop at the length
+}
+
 TEST_F(MidiFile, CopyingATrackTakesItsBytesOnly)
 {
     _track* from = track({1, 2, 3});
@@ -187,6 +207,16 @@ TEST_F(MidiFile, SavesWhatItLoaded)
     stringStream stream;
     EXPECT_EQ(mf_save(&file, stream), 0);
     EXPECT_EQ(stream.text(), text(bytes));
+}
+
+TEST_F(MidiFile, ATrackThatNeverHadABlockIsSavedEmpty)
+{
+    mf_add_track(&file);
+    file.ntracks = 1;
+    Bytes bytes(22);
+    SimpleMemoryStream stream(bytes.data()); // copies whatever it is given, null too
+    EXPECT_EQ(mf_save(&file, stream), 0);
+    EXPECT_EQ(bytes, midiFile(96, {{}}));
 }
 
 TEST_F(MidiFile, SavingByPathLeavesTheTrackLengthsOut)
@@ -318,6 +348,22 @@ TEST_F(MidiFile, MeterAndKeyAreReadAndOverwrittenInPlace)
     EXPECT_TRUE(set_sig(block, 1));
     EXPECT_EQ(held(block),
               (Bytes{0, 0xFF, 0x58, 4, 3, 2, 24, 8, 0, 0xFF, 0x59, 2, 1, 1, 0, 0xFF, 0x2F, 0}));
+}
+
+TEST_F(MidiFile, MeterAndKeyCountOnlyWithTheirOwnStatus)
+{
+    // Two meters and two keys; the first of each runs on the status of the text in front.
+    _track* block = track({0, 0xFF, 1,    0,    0, 0x58, 2, 7, 4,    0,    0x59, 2, 5,
+                           1, 0,    0xFF, 0x58, 2, 6,    3, 0, 0xFF, 0x59, 2,    1, 0});
+    short numerator = 0;
+    short power = 0;
+    ASSERT_TRUE(get_meter(block, numerator, power));
+    EXPECT_EQ(numerator, 6);
+    EXPECT_EQ(power, 3);
+    EXPECT_TRUE(set_meter(block, 3, 2));
+    EXPECT_TRUE(set_sig(block, 1));
+    EXPECT_EQ(held(block), (Bytes{0, 0xFF, 1,    0,    0, 0x58, 2, 7, 4,    0,    0x59, 2, 5,
+                                  1, 0,    0xFF, 0x58, 2, 3,    2, 0, 0xFF, 0x59, 2,    1, 1}));
 }
 
 TEST_F(MidiFile, WithoutAMeterBeforeTheEndThereIsNone)

@@ -86,7 +86,8 @@ inline std::optional<NaivePattern> readNaively(const Bytes& bytes)
         bool ended = false;
         while (i < data.size()) {
             now += number();
-            if (i < data.size() && data[i] & 0x80)
+            const bool ownStatus = i < data.size() && data[i] & 0x80;
+            if (ownStatus)
                 status = byte();
             const int channel = status & 15;
             const auto kind = status < 0xF0 ? status & 0xF0 : status;
@@ -120,7 +121,7 @@ inline std::optional<NaivePattern> readNaively(const Bytes& bytes)
                     ended = true;
                 if (type == 0x51 && !ended && !f.tempo)
                     f.tempo = data[i] * 65536u + data[i + 1] * 256u + data[i + 2];
-                if (type == 0x58 && !ended && !f.meter)
+                if (type == 0x58 && ownStatus && !ended && !f.meter)
                     f.meter = {data[i], data[i + 1]};
                 i += length;
             }

@@ -134,5 +134,6 @@ TEST(Pkt, SystemMessagesCountThreeBytesAndMakeNoRecord)
     const Pkt meta{0xFF, 0x51, 0};
     EXPECT_EQ(meta.Len(), 3);
     EXPECT_EQ(MfxEvent(meta).type, -1);
+    EXPECT_EQ(MfxEvent(meta).channel, 0); // its low bits are no channel
     EXPECT_FALSE(meta.IsNote());
 }

@@ -123,6 +123,44 @@ TEST(TrackFile, TheFirstMeterAndTempoOfTheTrackCount)
     EXPECT_EQ(track.tempo, 1u);
 }
 
+TEST(TrackFile, AMeterOnTheStatusOfAnotherEventIsNone)
+{
+    const Bytes data = Bytes{0, 0xFF, 1, 0, 0, 0x58, 4, 7, 4, 24, 8};
+    CMidiTrack track;
+    ASSERT_EQ(load(track, midiFile(96, {data + oneNote(1)})), 0);
+    EXPECT_EQ(track.numerator, 4);
+    EXPECT_EQ(track.denominator, 4);
+    ASSERT_EQ(load(track, midiFile(96, {data + kTrackEnd, oneNote(1)})), 0);
+    EXPECT_EQ(track.numerator, 4); // alike when the notes are on another track
+}
+
+TEST(TrackFile, ATempoOnTheStatusOfAnotherEventCounts)
+{
+    const Bytes data = Bytes{0, 0xFF, 1, 0, 0, 0x51, 3, 0x09, 0x27, 0xC0};
+    CMidiTrack track;
+    ASSERT_EQ(load(track, midiFile(96, {data + oneNote(1)})), 0);
+    EXPECT_EQ(track.tempo, 600000u);
+    ASSERT_EQ(load(track, midiFile(96, {data + kTrackEnd, oneNote(1)})), 0);
+    EXPECT_EQ(track.tempo, 600000u);
+}
+
+TEST(TrackFile, PressureAndWheelKeepTheirValues)
+{
+    const Bytes data{0, 0xA2, 60, 70, 1, 0xD2, 71, 1, 0xE2, 127, 127, 1, 0xE2, 0, 0};
+    CMidiTrack track;
+    ASSERT_EQ(load(track, midiFile(240, {data + kTrackEnd})), 0);
+    ASSERT_EQ(track.events.size(), 4u);
+    EXPECT_EQ(track.events[0].type, MfxEvent::KeyAftertouch);
+    EXPECT_EQ(track.events[0].key, 60);
+    EXPECT_EQ(track.events[0].amount, 70);
+    EXPECT_EQ(track.events[1].type, MfxEvent::ChannelAftertouch);
+    EXPECT_EQ(track.events[1].amount, 71);
+    EXPECT_EQ(track.events[2].wheel(), 8191);
+    EXPECT_EQ(track.events[3].wheel(), -8192);
+    EXPECT_EQ(track.events[3].channel, 2);
+    EXPECT_EQ(events(track), data);
+}
+
 TEST(TrackFile, ANoteWithoutAnEndStaysOpen)
 {
     CMidiTrack track;
@@ -315,6 +353,23 @@ TEST(TrackFile, TheNameStandsInFrontOfTheFirstEventAtItsTime)
                                     0,  0,    0, 0x90, 60,  1,   1,   0x80, 60,  1}));
 }
 
+TEST(TrackFile, ANameBeforeTheFirstTickDoesNotShiftThePattern)
+{
+    CMidiTrack track;
+    track.name = "A";
+    track.insert(controller(-5, 1, 9));
+    track.insert(note(10, 60, 1, 1));
+    EXPECT_EQ(events(track),
+              (Bytes{0, 0xFF, 3, 1, 'A', 0, 0xB0, 1, 9, 10, 0x90, 60, 1, 1, 0x80, 60, 1}));
+}
+
+TEST(TrackFile, AnEventOutOfOrderDoesNotShiftThoseBehindIt)
+{
+    CMidiTrack track;
+    track.events = {controller(20, 1, 1), controller(10, 2, 2), controller(30, 3, 3)};
+    EXPECT_EQ(events(track), (Bytes{20, 0xB0, 1, 1, 0, 0xB0, 2, 2, 10, 0xB0, 3, 3}));
+}
+
 TEST(TrackFile, AnEmptyPatternHasNoName)
 {
     CMidiTrack track;
@@ -391,6 +446,20 @@ TEST(TrackFile, TheHostsMapsSetMeterTempoAndKey)
     EXPECT_EQ(trackBytes(bytes),
               (Bytes{0, 0xFF, 0x58, 4,    7, 3,    12,   8,    0, 0xFF, 0x59, 2, 0xFE,
                      0, 0,    0xFF, 0x51, 3, 0x0F, 0x42, 0x40, 0, 0xFF, 0x2F, 0}));
+}
+
+TEST(TrackFile, ATempoTooSlowForAFileIsTheSlowestThere)
+{
+    MIDIFILE file;
+    mf_init(&file);
+    CMidiTrack().SaveMidiFile(file, 4, 2, 100, 0); // one beat a minute: 60 seconds each
+    std::uint32_t pos = 0;
+    std::uint32_t tempo = 0;
+    std::int32_t ticks = 0;
+    short running = 0;
+    ASSERT_TRUE(read_tempo(file.tracks, pos, tempo, ticks, running));
+    EXPECT_EQ(tempo, 0xFFFFFFu); // not 60 seconds less what three bytes can't say
+    mf_free(&file);
 }
 
 TEST(TrackFile, ManyNotesThatEndTogetherAreWrittenNewestFirst)
