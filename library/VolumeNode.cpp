@@ -100,16 +100,6 @@ void InFileTerminalNode::ReadFrom(InputStream& stream)
     mData.shrink_to_fit();
 }
 
-bool InFileTerminalNode::readAll(InputStream& stream, std::uint32_t most)
-{
-    readBytes(stream, most, mData);
-    mData.shrink_to_fit();
-    const bool all = stream.IsEOF();
-    if (!all)
-        mData.clear();
-    return all;
-}
-
 bool InFileTerminalNode::Stream::IsEOF()
 {
     return mPosition >= mNode.mData.size();

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 /// A pattern whose data are in memory.
@@ -41,8 +42,7 @@ public:
     /// what came.
     virtual void ReadFrom(Korvanel::InputStream& stream);
 
-    /// Takes the whole stream. @return false, holding nothing, when that is more than `most` bytes
-    bool readAll(Korvanel::InputStream& stream, std::uint32_t most);
+    void setData(std::vector<std::uint8_t> data) { mData = std::move(data); } ///< below 4 GB
 
     const std::vector<std::uint8_t>& data() const { return mData; }
 

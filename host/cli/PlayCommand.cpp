@@ -1,6 +1,7 @@
 #include "host/cli/PlayCommand.h"
 
 #include "host/cli/Bundle.h"
+#include "host/cli/LibraryFolder.h"
 #include "host/cli/MidiOutput.h"
 #include "host/cli/Player.h"
 
@@ -17,7 +18,8 @@ constexpr int kTicksPerQuarter = 3840; ///< of a live host
 
 struct PlayArguments
 {
-    std::vector<std::string> files;
+    std::vector<std::string> files; ///< as given; play() puts the paths that they mean
+    std::string library;
     PlayOptions options;
     std::string port;
     std::string device;
@@ -70,15 +72,17 @@ void playFile(const PlayArguments& arguments, const Bundle& bundle, MidiOutput& 
         std::puts("");
 }
 
-void play(const PlayArguments& arguments)
+void play(PlayArguments& arguments)
 {
     if (arguments.listPorts) {
         for (const std::string& line : sequencerPorts())
             std::puts(line.c_str());
         return;
     }
-    for (const std::string& file : arguments.files)
+    for (std::string& file : arguments.files) {
+        file = findPattern(file, arguments.library);
         readPlayablePattern(file); // say what is wrong with the last one before the first one plays
+    }
     const Bundle bundle(arguments.options.bundle);
     stopOnSignals();
     const std::unique_ptr<MidiOutput> output =
@@ -95,7 +99,9 @@ void addPlayCommand(CLI::App& app)
     auto arguments = std::make_shared<PlayArguments>();
     CLI::App* command =
         app.add_subcommand("play", "Play patterns in real time; Ctrl-C stops with every note off");
-    CLI::Option* files = command->add_option("files", arguments->files, "MIDI files");
+    CLI::Option* files = command->add_option("files", arguments->files,
+                                             "MIDI files, or Style/Pattern of the library");
+    addLibraryOption(*command, arguments->library);
     CLI::Option* port = command->add_option("--port", arguments->port,
                                             "Sequencer port to play to, CLIENT:PORT or a name");
     command

@@ -3,6 +3,7 @@
 #include "host/cli/Bundle.h"
 #include "host/cli/CommandError.h"
 #include "host/cli/EffectSession.h"
+#include "host/cli/LibraryFolder.h"
 #include "host/cli/SafeFile.h"
 #include "midi/MfxMaps.h"
 #include "midi/Pkt.h"
@@ -19,6 +20,7 @@ namespace {
 struct RenderArguments
 {
     std::string file;
+    std::string library;
     std::string output;
     int repeat = 1;
     PlayOptions options;
@@ -100,10 +102,11 @@ Korvanel::CMidiTrack renderTrack(EffectSession& session, const PatternFile& patt
 
 void render(const RenderArguments& arguments)
 {
+    const std::string file = findPattern(arguments.file, arguments.library);
     std::error_code error;
-    if (std::filesystem::equivalent(arguments.file, arguments.output, error))
+    if (std::filesystem::equivalent(file, arguments.output, error))
         throw CommandError(ExitCode::CannotWrite, arguments.output + ": is the pattern itself");
-    const PatternFile pattern = readPlayablePattern(arguments.file);
+    const PatternFile pattern = readPlayablePattern(file);
     const Bundle bundle(arguments.options.bundle);
     EffectSession session(bundle, pattern, arguments.options,
                           renderResolution(pattern, arguments.options.tempoType));
@@ -123,11 +126,13 @@ void addRenderCommand(CLI::App& app)
     auto arguments = std::make_shared<RenderArguments>();
     CLI::App* command =
         app.add_subcommand("render", "Play a pattern through the plug-in into a MIDI file");
-    command->add_option("file", arguments->file, "MIDI file")->required();
+    command->add_option("file", arguments->file, "MIDI file, or Style/Pattern of the library")
+        ->required();
     command->add_option("-o,--output", arguments->output, "File to write; - for standard output")
         ->required();
     command->add_option("--repeat", arguments->repeat, "How many times round, as heard (1)")
         ->check(CLI::Range(1, 1'000'000));
+    addLibraryOption(*command, arguments->library);
     addPlayOptions(*command, arguments->options);
     command->callback([arguments] { render(*arguments); });
 }

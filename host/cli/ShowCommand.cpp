@@ -1,5 +1,6 @@
 #include "host/cli/ShowCommand.h"
 
+#include "host/cli/LibraryFolder.h"
 #include "host/cli/PatternFile.h"
 #include "host/cli/PianoRoll.h"
 
@@ -23,6 +24,7 @@ constexpr int kFewestColumns = 40;
 struct ShowArguments
 {
     std::vector<std::string> files;
+    std::string library;
     bool json = false;
 };
 
@@ -105,8 +107,8 @@ void show(const ShowArguments& arguments)
 {
     Json all = Json::array();
     bool first = true;
-    for (const std::string& path : arguments.files) {
-        const PatternFile file = readPatternFile(path);
+    for (const std::string& name : arguments.files) {
+        const PatternFile file = readPatternFile(findPattern(name, arguments.library));
         if (arguments.json) {
             all.push_back(describe(file));
             continue;
@@ -125,7 +127,9 @@ void addShowCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<ShowArguments>();
     CLI::App* command = app.add_subcommand("show", "Show what is in a pattern file");
-    command->add_option("files", arguments->files, "MIDI files")->required();
+    command->add_option("files", arguments->files, "MIDI files, or Style/Pattern of the library")
+        ->required();
+    addLibraryOption(*command, arguments->library);
     command->add_flag("--json", arguments->json, "Write JSON for programs");
     command->callback([arguments] { show(*arguments); });
 }

@@ -1,8 +1,10 @@
 // The command line: a host for the plug-in.
 #include "host/cli/CommandError.h"
+#include "host/cli/LibraryCommand.h"
 #include "host/cli/PlayCommand.h"
 #include "host/cli/RenderCommand.h"
 #include "host/cli/ShowCommand.h"
+#include "host/cli/StateCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -27,6 +29,8 @@ int run(int argc, char** argv)
     addPlayCommand(app);
     addRenderCommand(app);
     addShowCommand(app);
+    addLibraryCommand(app);
+    addStateCommand(app);
     try {
         app.parse(argc, argv);
         return 0;

@@ -1,6 +1,6 @@
 # Writes the factory patterns anew and compares them with those that are shipped, in both directions.
 file(REMOVE_RECURSE "${OUT}")
-execute_process(COMMAND "${PYTHON}" "${LOOPS}/tools/make-patterns.py" "${OUT}" COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND "${PYTHON}" "${SCORES}/make-patterns.py" "${OUT}" COMMAND_ERROR_IS_FATAL ANY)
 file(GLOB_RECURSE shipped RELATIVE "${LOOPS}" "${LOOPS}/*.mid")
 file(GLOB_RECURSE made RELATIVE "${OUT}" "${OUT}/*.mid")
 list(LENGTH made count)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the factory patterns from their scores: Loops/source/*.score to Loops/STYLE/PATTERN.mid.
+"""Writes the factory patterns from their scores: scores/*.score to Loops/STYLE/PATTERN.mid.
 
 A score is a text. `style:` and `pattern:` name it; `about:` is the style's description (one score of a style has it);
 `meter:`, `tempo:` and `grid:` (steps in a quarter) frame it; `ppq:` is its resolution. Then each line is a voice:
@@ -77,8 +77,8 @@ class Score:
         return b"MThd" + struct.pack(">IHHH", 6, 0, 1, int(self.head["ppq"])) + b"MTrk" + struct.pack(">I", len(track)) + track
 
 
-def main(loops, target):
-    for source in sorted((loops / "source").glob("*.score")):
+def main(scores, target):
+    for source in sorted(scores.glob("*.score")):
         score = Score(source.read_text())
         folder = target / score.head["style"]
         folder.mkdir(parents=True, exist_ok=True)
@@ -88,5 +88,5 @@ def main(loops, target):
 
 
 if __name__ == "__main__":
-    home = pathlib.Path(__file__).resolve().parent.parent
-    main(home, pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else home)
+    scores = pathlib.Path(__file__).resolve().parent
+    main(scores, pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else scores.parent / "Loops")

@@ -1,0 +1,25 @@
+#include "host/cli/FolderTree.h"
+
+#include "host/cli/CommandError.h"
+
+#include <filesystem>
+
+FolderTree::FolderTree(const std::string& folder)
+{
+    if (folder.empty())
+        throw CommandError(ExitCode::BadPattern, "there is no library; name its folder");
+    std::error_code error;
+    std::filesystem::directory_iterator(folder, error); // opening says best what is wrong
+    if (error)
+        throw CommandError(ExitCode::BadPattern, folder + ": " + error.message());
+    std::string path = folder;
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    mRoot = new FolderNode(path.c_str(), nullptr);
+    mRoot->MakeNode();
+}
+
+FolderTree::~FolderTree()
+{
+    mRoot->release();
+}
