@@ -61,8 +61,8 @@ void CLooper::connect(ProcessContext* context)
 {
     auto looper = std::make_unique<Korvanel::Looper>(mPlayTrack, mLock, *context, &mParams);
     looper->TempoType(tempoType());
+    joinLoopers(); // first: an effect that goes meanwhile must not take the library along
     openLibrary();
-    joinLoopers();
     mContext = context;
     mLooper = looper.release();
 }

@@ -1,19 +1,22 @@
 // The built bundle, as a host meets it: through the loader and its one exported function.
 #include "effect/ILooper.h"
 #include "effect/MidiEffect.h"
+#include "tests/support/LibraryFolder.h"
 #include "tests/support/ListQueue.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
-#include <dirent.h>
 #include <dlfcn.h>
 #include <elf.h>
+#include <filesystem>
 #include <fstream>
+#include <malloc.h>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -47,40 +50,73 @@ std::vector<std::string> exportedNames(const char* path)
     return names;
 }
 
-std::size_t openDescriptors()
+std::size_t entriesIn(const char* path)
 {
-    std::size_t count = 0;
-    DIR* folder = ::opendir("/proc/self/fd");
-    while (::readdir(folder) != nullptr)
-        ++count;
-    ::closedir(folder);
-    return count;
+    const fs::directory_iterator entries(path);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// Loads the bundle, plays the factory pattern's first bar and unloads it.
-void loadPlayUnload()
+std::size_t openDescriptors()
 {
-    void* library = ::dlopen(KV_BUNDLE, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << ::dlerror();
-    const auto create = reinterpret_cast<Create>(::dlsym(library, "CreatePlugin"));
-    ASSERT_NE(create, nullptr);
+    return entriesIn("/proc/self/fd");
+}
+
+std::size_t threads()
+{
+    return entriesIn("/proc/self/task");
+}
+
+/// A copy of the bundle in a folder of its own, with a library that is watched beside it.
+class Installation
+{
+public:
+    Installation()
     {
+        fs::create_directories(fs::path(bundle()).parent_path());
+        fs::copy_file(KV_BUNDLE, bundle());
+        mFolder.put("Loops/Rock/a.mid", midiFileWithNote(41));
+        mFolder.makeFolder("Loops/User");
+    }
+
+    std::string bundle() const { return mFolder / "Looper.bundle/Contents/Linux/Looper.so"; }
+
+    /// Loads the bundle, plays a pattern of its library while the library changes, and unloads it.
+    void use() const
+    {
+        void* library = ::dlopen(bundle().c_str(), RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(library, nullptr) << ::dlerror();
+        const auto create = reinterpret_cast<Create>(::dlsym(library, "CreatePlugin"));
+        ASSERT_NE(create, nullptr);
+        play(create);
+        ASSERT_EQ(::dlclose(library), 0);
+        EXPECT_EQ(::dlopen(bundle().c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr)
+            << "the bundle stays in memory";
+    }
+
+private:
+    void play(Create create) const
+    {
+        const std::unique_ptr<Korvanel::MidiEffect> first(create());
         const std::unique_ptr<Korvanel::MidiEffect> effect(create());
+        first->Initialize(nullptr);
         effect->Initialize(nullptr);
+        mFolder.put("Loops/User/new.mid"); // the watching thread hears of it, or is on its way out
         auto* looper = static_cast<Korvanel::ILooper*>(effect->get_interface("Korvanel::ILooper"));
         ASSERT_NE(looper, nullptr);
         IKVSSExStrumwerks::Pattern pattern{};
-        std::strcpy(pattern.name, "file://" KV_PATTERN);
+        std::strcpy(pattern.name, "Rock\\a");
         ASSERT_TRUE(looper->SetCurrentPattern(&pattern));
         effect->Enable();
         ListQueue queue;
         effect->process(0, 1919, queue);
-        EXPECT_EQ(queue.events.size(), 13u); // a crash, six hats, three snares, three kicks
+        EXPECT_EQ(queue.events.size(), 1u);
+        mFolder.remove("Loops/User/new.mid");
         effect->Terminate();
+        first->Terminate();
     }
-    ASSERT_EQ(::dlclose(library), 0);
-    EXPECT_EQ(::dlopen(KV_BUNDLE, RTLD_NOW | RTLD_NOLOAD), nullptr) << "the bundle stays in memory";
-}
+
+    LibraryFolder mFolder;
+};
 
 } // namespace
 
@@ -89,11 +125,18 @@ TEST(Bundle, ExportsItsEntryAndNothingElse)
     EXPECT_EQ(exportedNames(KV_BUNDLE), std::vector<std::string>{"CreatePlugin"});
 }
 
-TEST(Bundle, MayBeLoadedAndUnloaded200Times)
+TEST(Bundle, MayBeLoadedAndUnloaded200TimesWithAWatchedLibrary)
 {
-    loadPlayUnload();
-    const std::size_t before = openDescriptors();
+    const Installation installation;
+    for (int i = 0; i < 5 && !HasFailure(); ++i)
+        installation.use();
+    const std::size_t descriptors = openDescriptors();
+    const std::size_t bytes = ::mallinfo2().uordblks;
+
     for (int i = 0; i < 200 && !HasFailure(); ++i)
-        loadPlayUnload();
-    EXPECT_EQ(openDescriptors(), before);
+        installation.use();
+
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_EQ(threads(), 1u);
+    EXPECT_LE(::mallinfo2().uordblks, bytes + 16 * 1024);
 }

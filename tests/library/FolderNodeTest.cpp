@@ -1,8 +1,8 @@
 #include "library/FolderNode.h"
 
 #include "library/VolumeNode.h"
-#include "tests/library/LibraryFolder.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/LibraryFolder.h"
 
 #include <gtest/gtest.h>
 

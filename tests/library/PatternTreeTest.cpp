@@ -2,8 +2,8 @@
 
 #include "library/FolderNode.h"
 #include "midi/CMidiTrack.h"
-#include "tests/library/LibraryFolder.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/LibraryFolder.h"
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 #include "library/FolderNode.h"
 #include "library/Pattern.h"
 #include "midi/CMidiTrack.h"
-#include "tests/library/LibraryFolder.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/LibraryFolder.h"
 
 #include <gtest/gtest.h>
 
