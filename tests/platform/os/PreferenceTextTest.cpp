@@ -120,6 +120,21 @@ TEST(PreferenceText, ADepthOf64IsTheMost)
     EXPECT_FALSE(parsePreferences("{\"a\":" + std::string(500'000, '[')));
 }
 
+TEST(PreferenceText, BracketsInsideTextsAreNotDepth)
+{
+    const PreferenceDictionary settings = {{"a", {std::string(100, '{') + "\"\\" + "[["}}};
+    expectSurvives(settings);
+    EXPECT_FALSE(parsePreferences("{\"\\\"\":" + nested(64) + "}"));
+}
+
+TEST(PreferenceText, AMegabyteOfGroupsIsReadAtOnce) // by the square of their number it took minutes
+{
+    std::string list = "{\"a\":[";
+    while (list.size() < kMostPreferenceBytes - 10)
+        list += "{},";
+    EXPECT_TRUE(parsePreferences(list + "1]}"));
+}
+
 TEST(PreferenceText, WhatCouldNotBeReadBackIsNotWritten)
 {
     PreferenceDictionary deep;

@@ -1,4 +1,3 @@
-#include "shared/System/kvModule.h"
 #include "shared/System/kvPath.h"
 #include "shared/System/kvSwap.h"
 
@@ -109,15 +108,4 @@ TEST(Swap, LeavesOtherSizesAlone)
     unsigned char bytes[] = {1, 2, 3, 4, 5};
     OSSwapArray(bytes, 1, 5);
     EXPECT_EQ(bytes[0], 1);
-}
-
-TEST(Module, KnowsItsOwnFile)
-{
-    ASSERT_TRUE(Module::InitSelfLocation());
-    const fs::path self = fs::canonical("/proc/self/exe");
-    EXPECT_EQ(std::string(Module::GetModulePath().c_str()), self.parent_path().string() + "/");
-    EXPECT_EQ(std::string(Module::GetContentsPath().c_str()),
-              self.parent_path().parent_path().string() + "/");
-    EXPECT_EQ(std::string(Module::GetFolderPath().c_str()),
-              self.parent_path().parent_path().parent_path().parent_path().string() + "/");
 }
