@@ -34,6 +34,8 @@ struct Queue : MidiQueue
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    static CLooper keeper; // keeps the library open between inputs
+    static const bool connected = (keeper.Initialize(nullptr), true);
     const HeapLimit limit;
     CLooper effect;
     std::vector<std::uint8_t> bytes(data, data + size);
@@ -49,5 +51,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     stringStream saved;
     effect.SaveTo(saved);
     effect.Terminate();
-    return 0;
+    return connected ? 0 : -1;
 }

@@ -55,6 +55,11 @@ const char* PatternTree::GetObservedFolder() const
 LeafIterator PatternTree::FindNode(String style)
 {
     const ScopedLock hold(mLock);
+    return startOf(style);
+}
+
+LeafIterator PatternTree::startOf(const String& style) const
+{
     return LeafIterator(mRoot == nullptr ? nullptr : mRoot->FindTree(style, 0));
 }
 
@@ -89,7 +94,7 @@ void PatternTree::CompileToVolume(const char* style, const char* volume)
 bool PatternTree::LoadPattern(const char* style, const char* pattern, Korvanel::CMidiTrack& track)
 {
     const ScopedLock hold(mLock);
-    Korvanel::PatternIterator at(FindNode(style));
+    Korvanel::PatternIterator at(startOf(style));
     return at.find(pattern) && (*at).LoadTo(&track);
 }
 

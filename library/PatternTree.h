@@ -56,6 +56,8 @@ public:
     Korvanel::CriticalSection& lock() const KV_RETURN_CAPABILITY(mLock) { return mLock; }
 
 private:
+    Korvanel::DirectoryTrees::LeafIterator startOf(const Korvanel::String& style) const
+        KV_REQUIRES(mLock);
     void rescan() KV_REQUIRES(mLock);
     void notify() KV_EXCLUDES(mLock);
 

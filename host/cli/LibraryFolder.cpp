@@ -52,7 +52,7 @@ std::string libraryFolder(const std::string& given)
 std::string findPattern(const std::string& name, const std::string& library)
 {
     std::error_code error;
-    if (fs::exists(name, error))
+    if (fs::exists(name, error) || fs::path(name).is_absolute())
         return name;
     const std::string folder = libraryFolder(library);
     for (const char* extension : {"", ".mid"})

@@ -11,8 +11,8 @@ class App;
 std::string libraryFolder(const std::string& given);
 
 /// The file that a pattern on the command line means: that file, or a pattern of the library by its
-/// style and name ("Rock/Straight Eight"), with or without ".mid". Throws CommandError (BadPattern)
-/// when there is neither.
+/// style and name ("Rock/Straight Eight"), with or without ".mid". An absolute path is taken as it
+/// is. Throws CommandError (BadPattern) when there is neither.
 std::string findPattern(const std::string& name, const std::string& library);
 
 /// Adds --library; `library` outlives the command.

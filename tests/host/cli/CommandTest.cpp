@@ -1,4 +1,6 @@
 // The built program, run as a user runs it.
+#include "tests/host/cli/RunLooper.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -18,13 +20,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-struct Outcome
-{
-    int code = -1;
-    std::string out;
-    std::string err;
-};
 
 const std::string kPattern = KV_LOOPS "/Rock/Straight Eight.mid";
 
@@ -47,30 +42,10 @@ protected:
 
     pid_t start(std::vector<std::string> arguments)
     {
-        std::vector<char*> argv{const_cast<char*>("looper")};
-        for (std::string& argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::dup2(::open((folder / "out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600),
-                   STDOUT_FILENO);
-            ::dup2(::open((folder / "err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600),
-                   STDERR_FILENO);
-            ::setenv("COLUMNS", "80", 1);
-            ::execv(KV_LOOPER, argv.data());
-            ::_exit(127);
-        }
-        return child;
+        return startLooper(std::move(arguments), folder);
     }
 
-    Outcome finish(pid_t child)
-    {
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status),
-                contents(folder / "out"), contents(folder / "err")};
-    }
+    Outcome finish(pid_t child) { return finishLooper(child, folder); }
 
     Outcome run(std::vector<std::string> arguments) { return finish(start(std::move(arguments))); }
 
@@ -84,14 +59,6 @@ protected:
 
     fs::path folder = fs::temp_directory_path() / ("kv-cli-" + std::to_string(::getpid()));
 };
-
-void expectRefused(const Outcome& outcome, int code, const std::string& words)
-{
-    EXPECT_EQ(outcome.code, code) << outcome.err;
-    EXPECT_NE(outcome.err.find(words), std::string::npos) << outcome.err;
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1)
-        << "one line: " << outcome.err;
-}
 
 /// Every note that was switched on is off at the end.
 void expectSilence(const std::string& bytes)

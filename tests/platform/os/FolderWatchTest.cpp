@@ -1,0 +1,159 @@
+#include "platform/os/FolderWatch.h"
+
+#include "tests/support/Folders.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+namespace fs = std::filesystem;
+using platform::FolderWatch;
+
+namespace {
+
+std::size_t threads()
+{
+    const fs::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+class FolderWatchTest : public testing::Test
+{
+protected:
+    TemporaryFolder folder;
+    Happenings changes;
+    FolderWatch watch{[this] { changes.add(); }};
+};
+
+} // namespace
+
+TEST_F(FolderWatchTest, TellsOfNewChangedRenamedAndDeletedFiles)
+{
+    ASSERT_TRUE(watch.start(folder.path()));
+
+    putContent(folder / "a", "x");
+    ASSERT_TRUE(changes.waitFor(1));
+    int before = changes.count();
+    fs::rename(folder / "a", folder / "b");
+    ASSERT_TRUE(changes.waitFor(before + 1));
+    before = changes.count();
+    putContent(folder / "b", "y");
+    ASSERT_TRUE(changes.waitFor(before + 1));
+    before = changes.count();
+    fs::remove(folder / "b");
+    EXPECT_TRUE(changes.waitFor(before + 1));
+}
+
+TEST_F(FolderWatchTest, AMissingFolderIsNotWatched)
+{
+    EXPECT_FALSE(watch.start(folder / "nowhere"));
+    EXPECT_FALSE(watch.isWatching());
+
+    putContent(folder / "file", "");
+    EXPECT_FALSE(watch.start(folder / "file"));
+}
+
+TEST_F(FolderWatchTest, FilesBesideTheFolderAreNotItsContents)
+{
+    fs::create_directory(folder / "watched");
+    ASSERT_TRUE(watch.start(folder / "watched"));
+
+    putContent(folder / "beside", "");
+    putContent(folder / "watched/inside", ""); // told behind it, were both told
+    ASSERT_TRUE(changes.waitFor(1));
+    fs::remove(folder / "watched/inside");
+    ASSERT_TRUE(changes.waitFor(2));
+
+    EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(FolderWatchTest, ASubFolderMovedAwayIsNoLongerWatched)
+{
+    fs::create_directories(folder / "watched/below");
+    fs::create_directory(folder / "away");
+    ASSERT_TRUE(watch.start(folder / "watched/"));
+    fs::rename(folder / "watched/below", folder / "away/below");
+    ASSERT_TRUE(changes.waitFor(1));
+    const int before = changes.count();
+
+    putContent(folder / "away/below/file", "");
+    putContent(folder / "watched/file", "");
+
+    ASSERT_TRUE(changes.waitFor(before + 1));
+    fs::remove(folder / "watched/file");
+    ASSERT_TRUE(changes.waitFor(before + 2));
+    EXPECT_LE(changes.count(), before + 2);
+}
+
+TEST_F(FolderWatchTest, AfterTheEndNothingIsCalled)
+{
+    ASSERT_TRUE(watch.start(folder.path()));
+    watch.end();
+    const int before = changes.count();
+
+    FolderWatch other([this] { changes.add(); });
+    ASSERT_TRUE(other.start(folder.path()));
+    putContent(folder / "a", "");
+    ASSERT_TRUE(changes.waitFor(before + 1));
+    fs::remove(folder / "a");
+    ASSERT_TRUE(changes.waitFor(before + 2));
+
+    EXPECT_EQ(changes.count(), before + 2);
+}
+
+TEST_F(FolderWatchTest, ItMayBeStoppedAndStartedInsideItsCall)
+{
+    Happenings calls;
+    FolderWatch* inside = nullptr;
+    FolderWatch restarting([&] {
+        inside->stop();
+        inside->start(folder.path());
+        calls.add();
+    });
+    inside = &restarting;
+    ASSERT_TRUE(restarting.start(folder.path()));
+
+    putContent(folder / "a", "");
+    ASSERT_TRUE(calls.waitFor(1));
+    putContent(folder / "b", "");
+
+    EXPECT_TRUE(calls.waitFor(2));
+}
+
+TEST(FolderWatchThread, LivesNoLongerThanTheWatches)
+{
+    const std::size_t before = threads();
+    {
+        FolderWatch one([] {});
+        FolderWatch two([] {});
+        EXPECT_EQ(threads(), before + 1);
+    }
+    EXPECT_EQ(threads(), before);
+}
+
+TEST(FolderWatchThread, EndingWaitsForTheCallThatIsRunning)
+{
+    const TemporaryFolder folder;
+    Happenings begun;
+    std::atomic<bool> mayEnd = false;
+    std::atomic<bool> ended = false;
+    std::thread ending;
+    {
+        FolderWatch watch([&] {
+            begun.add();
+            while (!mayEnd)
+                std::this_thread::yield();
+            ended = true;
+        });
+        ASSERT_TRUE(watch.start(folder.path()));
+        putContent(folder / "a", "");
+        ASSERT_TRUE(begun.waitFor(1));
+        ending = std::thread([&] { mayEnd = true; });
+        watch.end();
+        EXPECT_TRUE(ended);
+    }
+    ending.join();
+}
