@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
@@ -140,6 +141,8 @@ std::int16_t Module::Init(const char* path, const char* name, const char* versio
 
 bool Module::InitSelfLocation()
 {
+    static std::mutex lock; // hosts make their effects on threads of all kinds
+    const std::lock_guard hold(lock);
     if (___module_location_initialized)
         return true;
     const auto image = platform::pathOfImageAt(reinterpret_cast<const void*>(&climb));
