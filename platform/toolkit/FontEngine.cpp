@@ -88,12 +88,12 @@ public:
     const Glyph& glyph(FT_Face face, FT_UInt index)
     {
         const auto key = std::make_tuple(face, face->size->metrics.x_scale, index);
-        const auto known = glyphs.find(key);
-        if (known != glyphs.end())
+        const auto known = mGlyphs.find(key);
+        if (known != mGlyphs.end())
             return known->second;
-        if (glyphs.size() >= mostGlyphs)
-            glyphs.clear();
-        return glyphs.emplace(key, render(face, index)).first->second;
+        if (mGlyphs.size() >= mostGlyphs)
+            mGlyphs.clear();
+        return mGlyphs.emplace(key, render(face, index)).first->second;
     }
 
     FontEngineFaces faces;
@@ -118,7 +118,7 @@ private:
         return glyph;
     }
 
-    std::map<std::tuple<FT_Face, FT_Fixed, FT_UInt>, Glyph> glyphs;
+    std::map<std::tuple<FT_Face, FT_Fixed, FT_UInt>, Glyph> mGlyphs;
 };
 
 FontEngine& FontEngine::shared()

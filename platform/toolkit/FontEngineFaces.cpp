@@ -103,7 +103,7 @@ std::string FontEngineFaces::installedName(const std::string& name) const
     if (found == nullptr)
         return {};
     for (int which = 0;; ++which) {
-        const std::string family = stringOf(*found, FC_FAMILY, which);
+        std::string family = stringOf(*found, FC_FAMILY, which);
         if (family.empty() || FcStrCmpIgnoreCase(bytesOf(family), bytesOf(name)) == 0)
             return family;
     }

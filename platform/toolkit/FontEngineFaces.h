@@ -10,7 +10,7 @@
 // The engines' own types, so that no user of the toolkit compiles their headers.
 struct FT_LibraryRec_;
 struct FT_FaceRec_;
-struct _FcConfig;
+struct _FcConfig; // NOLINT(bugprone-reserved-identifier): fontconfig's own name
 
 namespace toolkit {
 

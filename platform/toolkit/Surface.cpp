@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace toolkit {
 
@@ -48,16 +49,19 @@ Surface::Surface(const SurfaceRect& bounds, const SurfaceRect& device, int perce
     , mDevice(device)
     , mPercent(percent)
     , mPixels(static_cast<std::size_t>(deviceWidth()) * static_cast<std::size_t>(deviceHeight()))
-    , mClip(bounds)
-    , mDeviceClip(device)
 {
+    setClip(SurfaceRegion(bounds));
 }
 
-void Surface::setClip(const SurfaceRegion& clip)
+void Surface::setClip(SurfaceRegion clip)
 {
-    mClip = clip;
-    mDeviceClip = mPercent == 100 ? clip : clip.scaled(mPercent);
-    mDeviceClip.intersect(SurfaceRegion(mDevice));
+    mClip = std::move(clip);
+    const SurfaceRect extents = mClip.extents();
+    mClipIsScaled = mPercent != 100 || intersection(extents, mDevice) != extents;
+    if (!mClipIsScaled) // the most common clip is not copied
+        return;
+    mScaledClip = mClip.scaled(mPercent);
+    mScaledClip.intersect(SurfaceRegion(mDevice));
 }
 
 SurfaceRect Surface::toDevice(const SurfaceRect& rect) const
@@ -74,7 +78,7 @@ void Surface::paintRect(const SurfaceRect& rect)
 
 void Surface::paintDevice(const SurfaceRect& device)
 {
-    mDeviceClip.visitWithin(device, [this](const SurfaceRect& part) { paintPart(part); });
+    deviceClip().visitWithin(device, [this](const SurfaceRect& part) { paintPart(part); });
 }
 
 void Surface::paintPart(const SurfaceRect& part)
@@ -122,7 +126,7 @@ void Surface::paintRegion(const SurfaceRegion& region)
 void Surface::drawMask(SurfacePoint at, const CoverageMask& mask, std::uint32_t rgb)
 {
     const SurfaceRect whole{at.x, at.y, at.x + mask.width, at.y + mask.height};
-    mDeviceClip.visitWithin(whole, [&](const SurfaceRect& part) {
+    deviceClip().visitWithin(whole, [&](const SurfaceRect& part) {
         for (std::int32_t y = part.top; y < part.bottom; ++y) {
             std::uint32_t* pixel = rowAt(part.left, y);
             const std::uint8_t* cover =

@@ -55,7 +55,7 @@ public:
     std::uint32_t pixel(int x, int y) const { return mPixels[indexOf(x, y)]; }
 
     /// May reach past the bounds; clip() gives it back as it was set.
-    void setClip(const SurfaceRegion& clip);
+    void setClip(SurfaceRegion clip);
 
     const SurfaceRegion& clip() const { return mClip; }
 
@@ -106,6 +106,9 @@ private:
         return mPixels.data() + indexOf(x - mDevice.left, y - mDevice.top);
     }
 
+    /// The clip in device pixels; never reaches past mDevice.
+    const SurfaceRegion& deviceClip() const { return mClipIsScaled ? mScaledClip : mClip; }
+
     SurfaceRect toDevice(const SurfaceRect& rect) const;
     void paintDevice(const SurfaceRect& device);
     void paintPart(const SurfaceRect& part);
@@ -117,7 +120,8 @@ private:
     int mPercent;
     std::vector<std::uint32_t> mPixels;
     SurfaceRegion mClip;
-    SurfaceRegion mDeviceClip; ///< never reaches past mDevice
+    SurfaceRegion mScaledClip; ///< the clip in device pixels, where it is another than mClip
+    bool mClipIsScaled = false;
     PenMode mMode = PenMode::copy;
     std::uint32_t mForeground = 0;
 };

@@ -62,7 +62,7 @@ void Surface::copyFrom(const Surface& source, const SurfaceRect& from, const Sur
         &source == this ? mPixels : std::vector<std::uint32_t>();
     const std::uint32_t* pixels = &source == this ? before.data() : source.mPixels.data();
 
-    mDeviceClip.visitWithin(wanted, [&](const SurfaceRect& part) {
+    deviceClip().visitWithin(wanted, [&](const SurfaceRect& part) {
         for (std::int32_t y = part.top; y < part.bottom; ++y) {
             const std::int32_t sourceY = down.sourceOf(y) - source.mDevice.top;
             if (sourceY < 0 || sourceY >= source.deviceHeight())

@@ -66,6 +66,19 @@ SurfaceRegion& SurfaceRegion::operator=(const SurfaceRegion& other)
     return *this;
 }
 
+// The library's record holds no address within itself, so it moves as it is.
+SurfaceRegion::SurfaceRegion(SurfaceRegion&& other) noexcept
+    : SurfaceRegion()
+{
+    std::swap(mRegion, other.mRegion);
+}
+
+SurfaceRegion& SurfaceRegion::operator=(SurfaceRegion&& other) noexcept
+{
+    std::swap(mRegion, other.mRegion);
+    return *this;
+}
+
 SurfaceRegion::~SurfaceRegion()
 {
     pixman_region32_fini(&mRegion);
@@ -101,6 +114,8 @@ void SurfaceRegion::exclusiveOr(const SurfaceRegion& other)
 
 void SurfaceRegion::translate(std::int32_t dx, std::int32_t dy)
 {
+    if (dx == 0 && dy == 0)
+        return;
     // the library wraps around at the plane's end
     const auto [left, right] = movableAlong(dx);
     const auto [top, bottom] = movableAlong(dy);

@@ -43,6 +43,8 @@ public:
     explicit SurfaceRegion(const SurfaceRect& rect);
     SurfaceRegion(const SurfaceRegion& other);
     SurfaceRegion& operator=(const SurfaceRegion& other);
+    SurfaceRegion(SurfaceRegion&& other) noexcept;            ///< leaves `other` empty
+    SurfaceRegion& operator=(SurfaceRegion&& other) noexcept; ///< may exchange the two
     ~SurfaceRegion();
 
     void clear();

@@ -78,7 +78,7 @@ void Surface::slantedLine(SurfacePoint from, SurfacePoint to)
                       endX < x ? -1 : 1};
     // a thicker pen covers, in each row, what the thin line has in the rows that hang above it
     const std::int64_t pen = mPercent / 100;
-    const SurfaceRect area = mDeviceClip.extents();
+    const SurfaceRect area = deviceClip().extents();
     const std::int64_t last = std::min<std::int64_t>(endY + pen, area.bottom);
     for (std::int64_t row = std::max<std::int64_t>(y, area.top); row < last; ++row) {
         const Span upper = spanOfRow(slope, std::max(y, row - pen + 1));
@@ -101,7 +101,7 @@ void Surface::paintPolygon(std::span<const SurfacePoint> outline)
         lowest = std::max(lowest, points.back().y);
         highest = std::min(highest, points.back().y);
     }
-    const SurfaceRect area = mDeviceClip.extents();
+    const SurfaceRect area = deviceClip().extents();
     std::vector<std::int32_t> crossings;
     for (std::int32_t y = std::max(highest, area.top); y < std::min(lowest, area.bottom); ++y) {
         crossings.clear();

@@ -161,6 +161,7 @@ private:
     toolkit::SurfacePoint onPort(Point point) const;
     void useColor(const Color& color);
     toolkit::TextStyle textStyle() const;
+    void installClip(Region clip);
 
     Ref<Pen> mPen;
     Ref<Brush> mBrush;

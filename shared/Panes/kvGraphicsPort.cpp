@@ -21,11 +21,15 @@ void GraphicsContext::GetClipping(Region& clip) const
 
 void GraphicsContext::SetClipping(Region& clip)
 {
+    installClip(Region(clip));
+}
+
+void GraphicsContext::installClip(Region clip)
+{
     if (mPort == nullptr)
         return;
-    Region moved(clip);
-    moved.Offset(mOrigin.x, mOrigin.y);
-    mPort->setClip(moved.platform());
+    clip.Offset(mOrigin.x, mOrigin.y);
+    mPort->setClip(std::move(clip).platform());
 }
 
 void GraphicsContext::IntersectClipping(const Rect& rect)
@@ -33,7 +37,7 @@ void GraphicsContext::IntersectClipping(const Rect& rect)
     Region clip;
     GetClipping(clip);
     clip.Intersect(Region(rect.shiftedBy(mOrigin)));
-    SetClipping(clip);
+    installClip(std::move(clip));
 }
 
 void GraphicsContext::ExcludeClipping(const Rect& rect)
@@ -41,7 +45,7 @@ void GraphicsContext::ExcludeClipping(const Rect& rect)
     Region clip;
     GetClipping(clip);
     clip.Subtract(Region(rect.shiftedBy(mOrigin)));
-    SetClipping(clip);
+    installClip(std::move(clip));
 }
 
 bool GraphicsContext::Visible(const Rect& rect) const

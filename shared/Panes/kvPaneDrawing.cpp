@@ -47,9 +47,8 @@ void Pane::drawOpaqueSubpanes(GraphicsContext& g)
             continue;
         g.IntersectClipping(place);
         subpane->Draw(g);
+        left.Subtract(Region(place)); // what is left grows ragged: it is changed here, not copied
         g.SetClipping(left);
-        g.ExcludeClipping(place);
-        g.GetClipping(left);
     }
 }
 

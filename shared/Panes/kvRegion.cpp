@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Korvanel {
 
@@ -26,8 +27,8 @@ Region::Region(const Rect& rect)
 {
 }
 
-Region::Region(const toolkit::SurfaceRegion& platform)
-    : mRegion(platform)
+Region::Region(toolkit::SurfaceRegion platform)
+    : mRegion(std::move(platform))
 {
 }
 

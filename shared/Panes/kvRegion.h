@@ -3,6 +3,8 @@
 #include "platform/toolkit/SurfaceRegion.h"
 #include "shared/Panes/kvGeometry.h"
 
+#include <utility>
+
 namespace Korvanel {
 
 /// The edges of a rectangle as the platform counts them; what passes the 32-bit plane is cut off.
@@ -14,7 +16,7 @@ class Region
 public:
     Region() = default; ///< empty
     explicit Region(const Rect& rect);
-    explicit Region(const toolkit::SurfaceRegion& platform);
+    explicit Region(toolkit::SurfaceRegion platform);
 
     void Copy(const Region& other) { mRegion = other.mRegion; }
 
@@ -44,7 +46,9 @@ public:
     static Region Complementation(const Region& a, const Region& b); ///< b without a
     static Region Xor(const Region& a, const Region& b);
 
-    const toolkit::SurfaceRegion& platform() const { return mRegion; }
+    const toolkit::SurfaceRegion& platform() const& { return mRegion; }
+
+    toolkit::SurfaceRegion platform() && { return std::move(mRegion); }
 
     friend bool operator==(const Region&, const Region&) = default;
 
