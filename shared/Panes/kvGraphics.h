@@ -112,7 +112,8 @@ public:
     /// @param at  where the baseline begins
     void DrawStringAt(const Point& at, const char* text, int length);
 
-    // Text is not cut off at the rectangle. A given font is current for the call only.
+    // Text is not cut off at the rectangle. A given font is current for the
+    // call only; null means the current one.
     void DrawString(const Rect& rect, const char* text, int length, int align);
     void DrawString(const Rect& rect, const char* text, int length, int align, Font* font);
     void DrawString(const char* text, const Rect& rect, int align);

@@ -66,7 +66,8 @@ void GraphicsContext::DrawString(const Rect& rect, const char* text, int length,
 void GraphicsContext::DrawString(const Rect& rect, const char* text, int length, int align,
                                  Font* font)
 {
-    const AutoTool<Font> current(*this, font);
+    const Ref<Font> chosen(font == nullptr ? mFont.get() : font);
+    const AutoTool<Font> current(*this, chosen.get());
     DrawString(rect, text, length, align);
 }
 

@@ -61,7 +61,7 @@ void Pane::destroySubpanes()
     }
 }
 
-// The lines are those of the first release, so that every report of a broken contract reads alike.
+// The lines are fixed numbers: reports of a broken contract read alike however the code moves.
 void Pane::AddPane(Pane* subpane)
 {
     if (subpane == nullptr || subpane->mParent != nullptr)

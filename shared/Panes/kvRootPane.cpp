@@ -93,8 +93,8 @@ void RootPane::descend(const MouseEvent& event)
     }
 }
 
-// The ancestor is told as well, although the mouse is still inside it; panes that count their
-// visits rely on it (RootPaneMouse.LeavingASubpaneTellsTheAncestorToo).
+// The ancestor is told as well, on purpose, although the mouse is still inside it: so it hears of
+// every way out of its parts (RootPaneMouse.LeavingASubpaneTellsTheAncestorToo).
 void RootPane::leave_moused_upto(Pane* ancestor, Point p)
 {
     while (mHoverPane != nullptr) {

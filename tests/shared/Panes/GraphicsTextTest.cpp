@@ -142,6 +142,17 @@ TEST_F(GraphicsTextTest, TheOtherFormsDrawTheSame)
     EXPECT_EQ(art(), first);
 }
 
+TEST_F(GraphicsTextTest, NoFontForACallMeansTheCurrentOne)
+{
+    g.SetFont(Font::Create("DejaVu Sans", 20, 0, Font::Plain, Font::Unit::Point).get());
+    g.DrawString(box, "Loop 4", -1, 0);
+    const std::string large = art();
+    g.FillRect({0, 0, 120, 80}, Color::Black);
+    g.DrawString(box, "Loop 4", -1, 0, nullptr);
+    EXPECT_EQ(art(), large);
+    EXPECT_NE(large, atBaseline(10, 20 + ascent));
+}
+
 TEST_F(GraphicsTextTest, IsTransparentWhateverTheRasterOperation)
 {
     g.SetRop(RopXor);
