@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Prints the results of looper_bench as tables: ours beside the floor, the aim and each peer.
+"""Prints the results of a benchmark program as tables: ours beside the floor, the aim and each peer.
 
 Every time is the smallest of the run's repetitions: what else the machine does only ever adds.
     summary.py RESULTS.json
@@ -9,10 +9,12 @@ import sys
 
 ORDER = ["1KB", "100KB", "10MB", "lock", "empty", "one note", "each of 64 notes",
          "each of 64 notes, random", "jump to repetition 1", "jump to repetition 1,000",
-         "jump to repetition 1,000,000"]
+         "jump to repetition 1,000,000",
+         "1,000 panes", "1,000 opaque panes", "10,000 notes"]
 PEERS = {"read": ["JUCE", "libsmf", "portsmf", "drumstick"],
          "write": ["JUCE", "libsmf", "portsmf", "drumstick"],
-         "slice": ["JUCE", "libsmf"]}
+         "slice": ["JUCE", "libsmf"],
+         "draw": []}
 
 
 class Aim:
@@ -26,7 +28,7 @@ class Aim:
         return f"<= {self.factor}x" + (" + lock" if self.locks else "")
 
 
-AIMS = {"read": Aim(2), "write": Aim(3), "empty": Aim(2, locks=1), "one note": Aim(3, locks=1),
+AIMS = {"read": Aim(2), "write": Aim(3), "draw": Aim(1.5), "empty": Aim(2, locks=1), "one note": Aim(3, locks=1),
         "each of 64 notes": Aim(3), "each of 64 notes, random": Aim(3), "jump": Aim(3)}
 
 
@@ -105,7 +107,8 @@ def main():
         sys.exit(__doc__)
     context, times = load(sys.argv[1])
     for name in ("1KB", "100KB", "10MB"):
-        print(f"{name}: {context.get(name, 'not measured')}")
+        if name in context:
+            print(f"{name}: {context[name]}")
     print(f"{context['num_cpus']} x {context['mhz_per_cpu']} MHz, {context['date']}; CPU time\n")
     lock = times.get("slice", {}).get("lock", {}).get("ours", 0.0)
     for kind in PEERS:

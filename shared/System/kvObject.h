@@ -107,6 +107,7 @@ public:
         return *this;
     }
 
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): the copy holds the object meanwhile
     Ref& operator=(const Ref& other)
     {
         Ref(other).swap(*this);
