@@ -28,6 +28,7 @@ target_compile_definitions(kv_juce
         JUCE_PLUGINHOST_VST3=1
         JUCE_JACK=1
         JUCE_ALSA=1
+        JUCE_MODAL_LOOPS_PERMITTED=1
         DONT_SET_USING_JUCE_NAMESPACE=1
     INTERFACE
         $<TARGET_PROPERTY:kv_juce,COMPILE_DEFINITIONS>)

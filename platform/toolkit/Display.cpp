@@ -1,0 +1,116 @@
+#include "platform/toolkit/native/Display.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <xcb/xcb.h>
+
+namespace toolkit::native {
+
+namespace {
+
+/// The X library is loaded when first needed and not linked: the effect must load on machines
+/// without one.
+class Connection
+{
+public:
+    Connection()
+        : mLibrary(::dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL))
+    {
+        const auto connect = find<decltype(&xcb_connect)>("xcb_connect");
+        if (connect)
+            mConnection = connect(nullptr, nullptr);
+    }
+
+    ~Connection()
+    {
+        const auto disconnect = find<decltype(&xcb_disconnect)>("xcb_disconnect");
+        if (mConnection && disconnect)
+            disconnect(mConnection);
+        if (mLibrary)
+            ::dlclose(mLibrary);
+    }
+
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    bool works() const
+    {
+        const auto hasError = find<decltype(&xcb_connection_has_error)>("xcb_connection_has_error");
+        return mConnection && hasError && hasError(mConnection) == 0;
+    }
+
+    bool knows(std::uint32_t window) const
+    {
+        const auto ask = find<decltype(&xcb_get_window_attributes)>("xcb_get_window_attributes");
+        const auto answer =
+            find<decltype(&xcb_get_window_attributes_reply)>("xcb_get_window_attributes_reply");
+        if (!works() || !ask || !answer)
+            return false;
+        xcb_generic_error_t* error = nullptr;
+        auto* reply = answer(mConnection, ask(mConnection, window), &error);
+        const bool known = reply != nullptr;
+        std::free(reply);
+        std::free(error);
+        return known;
+    }
+
+    void makeName(const char* name) const
+    {
+        const auto ask = find<decltype(&xcb_intern_atom)>("xcb_intern_atom");
+        const auto answer = find<decltype(&xcb_intern_atom_reply)>("xcb_intern_atom_reply");
+        if (ask && answer)
+            std::free(answer(
+                mConnection,
+                ask(mConnection, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr));
+    }
+
+    void ring() const
+    {
+        const auto bell = find<decltype(&xcb_bell)>("xcb_bell");
+        const auto flush = find<decltype(&xcb_flush)>("xcb_flush");
+        if (!works() || !bell || !flush)
+            return;
+        bell(mConnection, 0); // 0 is the loudness that the user has set
+        flush(mConnection);
+    }
+
+private:
+    template <class Function>
+    Function find(const char* name) const
+    {
+        return mLibrary ? reinterpret_cast<Function>(::dlsym(mLibrary, name)) : nullptr;
+    }
+
+    void* mLibrary;
+    xcb_connection_t* mConnection = nullptr;
+};
+
+} // namespace
+
+std::shared_ptr<void> openDisplay()
+{
+    const char* name = std::getenv("DISPLAY");
+    auto connection = name && *name ? std::make_shared<Connection>() : nullptr;
+    if (!connection || !connection->works())
+        return nullptr;
+    for (const char* atom :
+         {"WM_PROTOCOLS", "WM_TAKE_FOCUS", "WM_DELETE_WINDOW", "WM_CHANGE_STATE", "WM_STATE",
+          "_NET_WM_PING", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN", "_NET_WM_WINDOW_TYPE",
+          "_NET_WM_WINDOW_TYPE_NORMAL", "_NET_WM_WINDOW_TYPE_COMBO"})
+        connection->makeName(atom);
+    return connection;
+}
+
+bool windowExists(unsigned long id)
+{
+    return id != 0 && id <= UINT32_MAX && Connection().knows(static_cast<std::uint32_t>(id));
+}
+
+void ringBell()
+{
+    Connection().ring();
+}
+
+} // namespace toolkit::native
