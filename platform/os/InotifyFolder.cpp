@@ -76,9 +76,11 @@ void InotifyFolder::followBelow(const std::string& folder, unsigned round, int d
     FolderListing listing;
     if (depth == kDeepest || !readFolder(folder, isVisibleFolder, listing))
         return;
-    for (const FolderEntry& entry : listing.entries)
-        if (const std::string below = folder + "/" + entry.name; watch(below, round))
+    for (const FolderEntry& entry : listing.entries) {
+        const std::string below = (folder + "/").append(listing.nameOf(entry));
+        if (watch(below, round))
             followBelow(below, round, depth + 1);
+    }
 }
 
 bool InotifyFolder::isOurs(int watch, const char* name) const
