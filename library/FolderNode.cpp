@@ -83,7 +83,7 @@ void merge(const Lists<N>& mine, const Lists<N>& fresh)
 
 } // namespace
 
-FolderNode::FolderNode(String name, Tree* parent)
+FolderNode::FolderNode(const String& name, Tree* parent)
     : Tree(name, parent)
 {
 }

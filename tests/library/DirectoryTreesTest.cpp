@@ -520,11 +520,11 @@ class TreeSlots
 public:
     virtual ~TreeSlots() = default;
     virtual void WriteTo(Korvanel::OutputStream&) = 0;
-    virtual void Rename(String) = 0;
+    virtual void Rename(const String&) = 0;
     virtual void Remove() = 0;
     virtual String GetDescription() = 0;
     virtual String GetDescriptionNoPath() = 0;
-    virtual void SetDescription(String) = 0;
+    virtual void SetDescription(const String&) = 0;
     virtual String Path(Tree*) = 0;
     virtual int FullPathSize() = 0;
     virtual void AppendFullPath(char*) = 0;
@@ -536,11 +536,11 @@ class LeafSlots
 public:
     virtual ~LeafSlots() = default;
     virtual void WriteTo(Korvanel::OutputStream&) = 0;
-    virtual void Rename(String) = 0;
+    virtual void Rename(const String&) = 0;
     virtual void Remove() = 0;
     virtual String GetDescription() = 0;
     virtual String GetDescriptionNoPath() = 0;
-    virtual void SetDescription(String) = 0;
+    virtual void SetDescription(const String&) = 0;
     virtual InStream* GetInput() = 0;
 };
 
