@@ -45,5 +45,7 @@ std::string compareOursWithFloor(const InputFile& file);
 std::string addFileBenchmarks();
 /// The same for slices.
 std::string addSliceBenchmarks();
+/// The same for a pattern rendered into a file.
+std::string addRenderBenchmarks();
 
 } // namespace bench

@@ -27,7 +27,7 @@ bool isNamed(const Node& node, const char* name, int length)
 
 // Node --------------------------------------------------------------------------------------------
 
-Node::Node(String name, Tree* parent)
+Node::Node(const String& name, Tree* parent)
     : mParent(parent)
     , mName(name)
 {
@@ -90,7 +90,7 @@ String Node::GetDescription()
     return FullName() + "/" + description;
 }
 
-void Node::Rename(String newName)
+void Node::Rename(const String& newName)
 {
     String folder;
     if (mParent != nullptr)
@@ -109,7 +109,7 @@ void Node::Remove()
 
 // Tree: files -------------------------------------------------------------------------------------
 
-Tree::Tree(String name, Tree* parent)
+Tree::Tree(const String& name, Tree* parent)
     : Node(name, parent)
 {
     setFlag(IsTreeFlag);
@@ -177,7 +177,10 @@ void Tree::AppendFullPath(char* dst)
     *dst = 0;
     if (parent() != nullptr)
         parent()->AppendFullPath(dst);
-    std::strcat(std::strcat(dst, name().c_str()), "/");
+    char* end = dst + std::strlen(dst);
+    const auto length = static_cast<std::size_t>(name().GetLength());
+    std::memcpy(end, name().c_str(), length);
+    std::memcpy(end + length, "/", 2);
 }
 
 void Tree::FullPath(String& out)
@@ -222,7 +225,7 @@ Leaf* Tree::FindLeaf(const String& path, int start)
 
 // Leaf --------------------------------------------------------------------------------------------
 
-Leaf::Leaf(String name, Tree* parent)
+Leaf::Leaf(const String& name, Tree* parent)
     : Node(name, parent)
 {
 }

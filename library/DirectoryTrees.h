@@ -38,7 +38,7 @@ public:
         ReadOnlyFlag = 2, ///< read from a volume: there is no file of its own behind it
     };
 
-    Node(String name, Tree* parent);
+    Node(const String& name, Tree* parent);
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
@@ -47,7 +47,7 @@ public:
     /// Renames the file or folder. When that fails the node keeps its name, and nothing is said.
     /// The node also keeps its place among its siblings, even where the order is then wrong: what
     /// is shown of it must not jump while it is being named. A rescan puts it in order.
-    virtual void Rename(String newName);
+    virtual void Rename(const String& newName);
     /// Deletes the file, or the folder when it is empty. The node stays where it is.
     virtual void Remove();
     /// The whole path of the description file of a folder; "" when there is none.
@@ -55,7 +55,7 @@ public:
 
     virtual String GetDescriptionNoPath() { return {}; } ///< that file's name
 
-    virtual void SetDescription(String) {}
+    virtual void SetDescription(const String&) {}
 
     /// The path on the disk: the parent's full path and the name.
     String FullName() const;
@@ -105,7 +105,7 @@ private:
 class Tree : public Node
 {
 public:
-    Tree(String name, Tree* parent);
+    Tree(const String& name, Tree* parent);
 
     /// The leaves, then the sub-trees: each list is its records (length of the name, name, content)
     /// and a length of 0. Numbers are 32-bit. The tree's own name is not written.
@@ -187,7 +187,7 @@ private:
 class Leaf : public Node
 {
 public:
-    Leaf(String name, Tree* parent);
+    Leaf(const String& name, Tree* parent);
 
     /// The file found under the relative name, as the block-counting file layer reports it: a
     /// length of 0, and of a file of at least 1024 bytes the first one. Whole data are written by

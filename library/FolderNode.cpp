@@ -32,6 +32,11 @@ bool belongsToLibrary(std::string_view name, bool isFolder)
     return isFolder || extension == kPatternExtension || extension == kDescriptionExtension;
 }
 
+String toString(std::string_view text)
+{
+    return {text.data(), static_cast<int>(text.size())};
+}
+
 /// The steps of a merge of two sorted lists, for leaves and for sub-trees alike.
 template <typename N>
 struct Lists
@@ -78,7 +83,7 @@ void merge(const Lists<N>& mine, const Lists<N>& fresh)
 
 } // namespace
 
-FolderNode::FolderNode(String name, Tree* parent)
+FolderNode::FolderNode(const String& name, Tree* parent)
     : Tree(name, parent)
 {
 }
@@ -127,16 +132,17 @@ FolderNode* FolderNode::MakeNewNode()
     std::vector<Tree*> folders;
     std::string_view description;
     for (const platform::FolderEntry& entry : listing.entries) {
+        const std::string_view name = listing.nameOf(entry);
         if (entry.isFolder)
-            folders.push_back(new FolderNode(entry.name.c_str(), this));
-        else if (extensionOf(entry.name) == kPatternExtension)
-            leaves.push_back(new Leaf(entry.name.c_str(), this));
+            folders.push_back(new FolderNode(toString(name), this));
+        else if (extensionOf(name) == kPatternExtension)
+            leaves.push_back(new Leaf(toString(name), this));
         else // of several the last by name, which every file system agrees on
-            description = std::max(description, std::string_view(entry.name));
+            description = std::max(description, name);
     }
     fresh->AddLeaves(leaves);
     fresh->AddTrees(folders);
-    fresh->mDescription = String(description.data(), static_cast<int>(description.size()));
+    fresh->mDescription = toString(description);
     fresh->mStamp = listing.stamp;
     fresh->mStampIsSure = listing.stampIsSure;
     return fresh;

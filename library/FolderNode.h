@@ -8,11 +8,14 @@ class FolderNode : public Korvanel::DirectoryTrees::Tree
 {
 public:
     /// Empty until MakeNode. A root's name is its whole path.
-    FolderNode(Korvanel::String name, Korvanel::DirectoryTrees::Tree* parent);
+    FolderNode(const Korvanel::String& name, Korvanel::DirectoryTrees::Tree* parent);
 
     Korvanel::String GetDescriptionNoPath() override { return mDescription; }
 
-    void SetDescription(Korvanel::String description) override { mDescription = description; }
+    void SetDescription(const Korvanel::String& description) override
+    {
+        mDescription = description;
+    }
 
     /// Brings the tree into step with the disk. What is still there keeps its node, whoever holds
     /// it; only what is new is made and only what is gone is released. A folder that cannot be read

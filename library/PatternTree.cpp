@@ -52,7 +52,7 @@ const char* PatternTree::GetObservedFolder() const
     return mRoot == nullptr ? nullptr : mRoot->name().c_str();
 }
 
-LeafIterator PatternTree::FindNode(String style)
+LeafIterator PatternTree::FindNode(const String& style)
 {
     const ScopedLock hold(mLock);
     return startOf(style);

@@ -31,7 +31,8 @@ public:
     const char* GetObservedFolder() const override;      ///< null before SetRoot
     /// At the first pattern of a style; of a style that is not there, of its deepest folder that
     /// is.
-    Korvanel::DirectoryTrees::LeafIterator FindNode(Korvanel::String style) KV_EXCLUDES(mLock);
+    Korvanel::DirectoryTrees::LeafIterator FindNode(const Korvanel::String& style)
+        KV_EXCLUDES(mLock);
     /// Of a pattern, or else of the folder that FindTree gives; false before SetRoot.
     bool IsReadOnlyNode(const char* path) const KV_EXCLUDES(mLock);
     /// Writes the root's path as a text; an empty one before SetRoot.

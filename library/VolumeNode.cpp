@@ -73,7 +73,7 @@ void writeVolume(Tree& tree, OutputStream& stream)
 
 // InFileTerminalNode ------------------------------------------------------------------------------
 
-InFileTerminalNode::InFileTerminalNode(String name, Tree* parent)
+InFileTerminalNode::InFileTerminalNode(const String& name, Tree* parent)
     : Leaf(name, parent)
 {
     setFlag(ReadOnlyFlag);
@@ -118,7 +118,7 @@ std::uint32_t InFileTerminalNode::Stream::Read(void* data, std::uint32_t size)
 
 // FileBaseNode ------------------------------------------------------------------------------------
 
-FileBaseNode::FileBaseNode(String name, Tree* parent)
+FileBaseNode::FileBaseNode(const String& name, Tree* parent)
     : Tree(name, parent)
 {
     setFlag(ReadOnlyFlag);
@@ -151,7 +151,7 @@ void FileBaseNode::ReadFrom(InputStream& stream)
 
 // VolumeNode --------------------------------------------------------------------------------------
 
-VolumeNode::VolumeNode(String name, Tree* parent)
+VolumeNode::VolumeNode(const String& name, Tree* parent)
     : FileBaseNode(name, parent)
 {
 }
@@ -166,7 +166,8 @@ void VolumeNode::AppendFullPath(char* dst)
     *dst = 0;
     if (parent() != nullptr)
         parent()->AppendFullPath(dst);
-    std::strcat(dst, name().c_str());
+    std::memcpy(dst + std::strlen(dst), name().c_str(),
+                static_cast<std::size_t>(name().GetLength()) + 1);
 }
 
 void VolumeNode::clear()

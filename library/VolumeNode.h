@@ -34,7 +34,7 @@ public:
         std::uint32_t mPosition = 0;
     };
 
-    InFileTerminalNode(Korvanel::String name, Korvanel::DirectoryTrees::Tree* parent);
+    InFileTerminalNode(const Korvanel::String& name, Korvanel::DirectoryTrees::Tree* parent);
 
     void WriteTo(Korvanel::OutputStream& stream) override;
     Korvanel::DirectoryTrees::InStream* GetInput() override; ///< the node's; see Stream
@@ -58,7 +58,7 @@ private:
 class FileBaseNode : public Korvanel::DirectoryTrees::Tree
 {
 public:
-    FileBaseNode(Korvanel::String name, Korvanel::DirectoryTrees::Tree* parent);
+    FileBaseNode(const Korvanel::String& name, Korvanel::DirectoryTrees::Tree* parent);
 
     /// Adds what a volume's body holds. A body that is damaged or cut short gives what stands
     /// before the damage.
@@ -72,7 +72,7 @@ protected:
 class VolumeNode : public FileBaseNode
 {
 public:
-    VolumeNode(Korvanel::String name, Korvanel::DirectoryTrees::Tree* parent);
+    VolumeNode(const Korvanel::String& name, Korvanel::DirectoryTrees::Tree* parent);
 
     // A volume's full path is that of its file: no slash follows.
     int FullPathSize() override;

@@ -9,7 +9,7 @@ FolderTree::FolderTree(const std::string& folder)
     if (folder.empty())
         throw CommandError(ExitCode::BadPattern, "there is no library; name its folder");
     std::error_code error;
-    std::filesystem::directory_iterator(folder, error); // opening says best what is wrong
+    const std::filesystem::directory_iterator opened(folder, error); // says best what is wrong
     if (error)
         throw CommandError(ExitCode::BadPattern, folder + ": " + error.message());
     std::string path = folder;

@@ -12,7 +12,7 @@ using Korvanel::DirectoryTrees::Tree;
 
 namespace {
 
-constexpr std::size_t kDescriptionBytes = 64 * 1024;
+constexpr std::size_t kDescriptionBytes = 64UL * 1024;
 
 std::string firstLineOf(const std::string& path)
 {
@@ -39,7 +39,7 @@ ListedPattern listPattern(const Leaf& leaf)
 
 std::string descriptionPath(Tree& tree)
 {
-    const std::string path = tree.GetDescription().c_str();
+    std::string path = tree.GetDescription().c_str();
     if (path.empty() || tree.parent() != nullptr)
         return path;
     return (tree.FullName() + "/" + path.c_str()).c_str(); // a root gives the name only

@@ -14,7 +14,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// More than any pattern takes.
-constexpr std::size_t kMostBytes = 256 * 1024 * 1024;
+constexpr std::size_t kMostBytes = 256UL * 1024 * 1024;
 
 struct DumpArguments
 {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <type_traits>
 
 namespace {
 
@@ -48,12 +47,11 @@ private:
     {
         const std::size_t from = mAt;
         take(name, sizeof(Number));
-        std::make_unsigned_t<Number> value = 0;
+        std::uint64_t value = 0;
         for (std::size_t i = sizeof(Number); i-- > 0;)
-            value = static_cast<std::make_unsigned_t<Number>>(
-                static_cast<std::uint64_t>(value) << 8 |
-                static_cast<unsigned char>(mChunk[from + i]));
-        const long long signedValue = static_cast<Number>(value);
+            value = value << 8 | static_cast<unsigned char>(mChunk[from + i]);
+        constexpr int unused = 64 - 8 * static_cast<int>(sizeof(Number));
+        const auto signedValue = static_cast<std::int64_t>(value << unused) >> unused;
         mDump.fields.push_back({name, from, sizeof(Number), signedValue});
         return signedValue;
     }

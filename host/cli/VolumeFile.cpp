@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 namespace {
 
 /// More than any pattern; what is larger has only the extension in common with one.
-constexpr std::size_t kMostPatternBytes = 64 * 1024 * 1024;
+constexpr std::size_t kMostPatternBytes = 64UL * 1024 * 1024;
 
 struct Release
 {

@@ -111,8 +111,10 @@ bool readFolder(const std::string& folder, EntryFilter wanted, FolderListing& li
         // What a link leads to can come and go without a trace in this folder.
         listing.stampIsSure = listing.stampIsSure && !link;
         const Kind kind = kindOf(::dirfd(stream.get()), *entry, link);
-        if (kind != Kind::Other && wanted(name, kind == Kind::Folder))
-            listing.entries.push_back({std::string(name), kind == Kind::Folder});
+        if (kind == Kind::Other || !wanted(name, kind == Kind::Folder))
+            continue;
+        listing.entries.push_back({listing.names.size(), name.size(), kind == Kind::Folder});
+        listing.names += name;
     }
     return true;
 }

@@ -1,5 +1,6 @@
 /// The contents of one folder, as the pattern library reads them.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,7 +10,8 @@ namespace platform {
 
 struct FolderEntry
 {
-    std::string name;
+    std::size_t nameAt; ///< for FolderListing::nameOf
+    std::size_t nameLength;
     bool isFolder; ///< a folder itself; a symbolic link to one is a file
 };
 
@@ -35,8 +37,15 @@ using EntryFilter = bool (*)(std::string_view name, bool isFolder);
 struct FolderListing
 {
     std::vector<FolderEntry> entries; ///< in no order
+    std::string names;                ///< of all entries: thousands of small blocks cost more
     FolderStamp stamp;
     bool stampIsSure = false; ///< a later equal stamp proves equal entries
+
+    /// Valid as long as the listing stays as it is.
+    std::string_view nameOf(const FolderEntry& entry) const
+    {
+        return std::string_view(names).substr(entry.nameAt, entry.nameLength);
+    }
 };
 
 /// Lists the wanted folders and files; symbolic links count as files when they lead to one.

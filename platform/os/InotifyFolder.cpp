@@ -6,6 +6,7 @@
 #include <cstring>
 #include <sys/inotify.h>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 
@@ -16,6 +17,9 @@ constexpr std::uint32_t kContents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_M
                                     IN_ONLYDIR;
 constexpr std::uint32_t kParent = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
                                   IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+
+/// A folder came or went, or so much happened that it may have.
+constexpr std::uint32_t kFolders = IN_ISDIR | IN_DELETE_SELF | IN_MOVE_SELF | IN_Q_OVERFLOW;
 
 /// Deeper than any library of patterns; what lies below is not watched.
 constexpr int kDeepest = 32;
@@ -60,6 +64,8 @@ bool InotifyFolder::watch(const std::string& folder, unsigned round)
 
 void InotifyFolder::follow()
 {
+    if (!std::exchange(mFoldersChanged, false))
+        return;
     ++mRound;
     if (watch(mFolder, mRound))
         followBelow(mFolder, mRound, 0);
@@ -76,9 +82,11 @@ void InotifyFolder::followBelow(const std::string& folder, unsigned round, int d
     FolderListing listing;
     if (depth == kDeepest || !readFolder(folder, isVisibleFolder, listing))
         return;
-    for (const FolderEntry& entry : listing.entries)
-        if (const std::string below = folder + "/" + entry.name; watch(below, round))
+    for (const FolderEntry& entry : listing.entries) {
+        const std::string below = (folder + "/").append(listing.nameOf(entry));
+        if (watch(below, round))
             followBelow(below, round, depth + 1);
+    }
 }
 
 bool InotifyFolder::isOurs(int watch, const char* name) const
@@ -100,8 +108,10 @@ bool InotifyFolder::drain()
             inotify_event event;
             std::memcpy(&event, buffer + at, sizeof event);
             const char* name = event.len > 0 ? buffer + at + sizeof event : "";
-            if ((event.mask & IN_IGNORED) == 0)
-                changed = changed || isOurs(event.wd, name);
+            if ((event.mask & IN_IGNORED) == 0 && isOurs(event.wd, name)) {
+                changed = true;
+                mFoldersChanged = mFoldersChanged || (event.mask & kFolders) != 0;
+            }
             at += static_cast<ssize_t>(sizeof event + event.len);
         }
     }

@@ -17,8 +17,9 @@ public:
     /// Once. @return false when there is no such folder or the system has no watches left
     bool open(const std::string& folder);
 
-    /// Watches what is there now: folders that appeared join, folders that were moved away leave.
-    /// Files are not watched one by one. Sub-folders beyond the system's limit go unwatched.
+    /// Watches what is there now, if folders came or went since: those that appeared join, those
+    /// that were moved away leave. Files are not watched one by one. Sub-folders beyond the
+    /// system's limit go unwatched.
     void follow();
 
     /// Takes what has come, without waiting. @return true when something changed
@@ -37,6 +38,7 @@ private:
     int mParent = -1;                           ///< the watch on the parent
     std::unordered_map<int, unsigned> mWatches; ///< in the folder, and the round that saw each last
     unsigned mRound = 0;
+    bool mFoldersChanged = true; ///< or may have
 };
 
 } // namespace platform

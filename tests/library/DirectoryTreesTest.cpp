@@ -120,6 +120,31 @@ TEST_F(DirectoryTrees, ManyLeavesAtOnceJoinThoseThatAreThere)
     EXPECT_TRUE(more.empty());
 }
 
+TEST_F(DirectoryTrees, ManyLeavesStandInByteOrderHoweverLongTheirCommonBeginningIs)
+{
+    std::vector<Leaf*> leaves;
+    for (const char* name : {"Groove \xC3\xA4", "Groove 12345678b", "Groove 12345678a", "Groove 1",
+                             "Groove ", "Groove 12345678", "Groove 1234567"})
+        leaves.push_back(new Leaf(name, root.get()));
+
+    root->AddLeaves(leaves);
+
+    EXPECT_EQ(leavesOf(*root), (Names{"Groove ", "Groove 1", "Groove 1234567", "Groove 12345678",
+                                      "Groove 12345678a", "Groove 12345678b", "Groove \xC3\xA4"}));
+}
+
+TEST_F(DirectoryTrees, OfEqualNamesAmongManyTheFirstOneGivenStays)
+{
+    auto* first = new Leaf("b", root.get());
+    std::vector<Leaf*> leaves{new Leaf("c", root.get()), first, new Leaf("a", root.get()),
+                              new Leaf("b", root.get())};
+
+    root->AddLeaves(leaves);
+
+    EXPECT_EQ(leavesOf(*root), (Names{"a", "b", "c"}));
+    EXPECT_EQ(root->firstLeaf()->next(), first);
+}
+
 TEST_F(DirectoryTrees, ALeafTakenOutKeepsItsReferenceAndItsParent)
 {
     addLeaf(*root, "a.mid");
@@ -495,11 +520,11 @@ class TreeSlots
 public:
     virtual ~TreeSlots() = default;
     virtual void WriteTo(Korvanel::OutputStream&) = 0;
-    virtual void Rename(String) = 0;
+    virtual void Rename(const String&) = 0;
     virtual void Remove() = 0;
     virtual String GetDescription() = 0;
     virtual String GetDescriptionNoPath() = 0;
-    virtual void SetDescription(String) = 0;
+    virtual void SetDescription(const String&) = 0;
     virtual String Path(Tree*) = 0;
     virtual int FullPathSize() = 0;
     virtual void AppendFullPath(char*) = 0;
@@ -511,11 +536,11 @@ class LeafSlots
 public:
     virtual ~LeafSlots() = default;
     virtual void WriteTo(Korvanel::OutputStream&) = 0;
-    virtual void Rename(String) = 0;
+    virtual void Rename(const String&) = 0;
     virtual void Remove() = 0;
     virtual String GetDescription() = 0;
     virtual String GetDescriptionNoPath() = 0;
-    virtual void SetDescription(String) = 0;
+    virtual void SetDescription(const String&) = 0;
     virtual InStream* GetInput() = 0;
 };
 

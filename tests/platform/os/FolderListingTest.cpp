@@ -31,7 +31,7 @@ std::vector<std::string> namesIn(const std::string& folder, platform::EntryFilte
     EXPECT_TRUE(platform::readFolder(folder, wanted, listing));
     std::vector<std::string> names;
     for (const FolderEntry& entry : listing.entries)
-        names.push_back(entry.name + (entry.isFolder ? "/" : ""));
+        names.push_back(std::string(listing.nameOf(entry)) + (entry.isFolder ? "/" : ""));
     std::sort(names.begin(), names.end());
     return names;
 }
