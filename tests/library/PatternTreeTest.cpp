@@ -203,12 +203,15 @@ TEST_F(PatternTreeTest, AChangeElsewhereIsNotTold)
 {
     folder.makeFolder("User");
     folder.makeFolder("Rock");
+    folder.put("a.mid");
+    folder.put("b.mid");
     open();
 
-    folder.put("Rock/a.mid");
-    folder.put("User/b.mid"); // told after it, had both been told
+    folder.rename("a.mid", "Rock/a.mid");
+    folder.rename("b.mid", "User/b.mid"); // told after it, had both been told
 
-    ASSERT_TRUE(notifications.waitUntil([&] { return has("User\\b.mid"); }));
+    ASSERT_TRUE(notifications.waitFor(1));
+    EXPECT_TRUE(has("User\\b.mid"));
     EXPECT_EQ(notifications.count(), 1);
 }
 

@@ -23,6 +23,14 @@ std::size_t threads()
 class FolderWatchTest : public testing::Test
 {
 protected:
+    /// Brings a file into a folder by one change; writing it there would be two.
+    void moveIn(const std::string& name)
+    {
+        putContent(elsewhere / "file", "");
+        fs::rename(elsewhere / "file", folder / name);
+    }
+
+    TemporaryFolder elsewhere;
     TemporaryFolder folder;
     Happenings changes;
     FolderWatch watch{[this] { changes.add(); }};
@@ -61,8 +69,8 @@ TEST_F(FolderWatchTest, FilesBesideTheFolderAreNotItsContents)
     fs::create_directory(folder / "watched");
     ASSERT_TRUE(watch.start(folder / "watched"));
 
-    putContent(folder / "beside", "");
-    putContent(folder / "watched/inside", ""); // told behind it, were both told
+    moveIn("beside");
+    moveIn("watched/inside"); // told behind it, were both told
     ASSERT_TRUE(changes.waitFor(1));
     fs::remove(folder / "watched/inside");
     ASSERT_TRUE(changes.waitFor(2));
@@ -79,8 +87,8 @@ TEST_F(FolderWatchTest, ASubFolderMovedAwayIsNoLongerWatched)
     ASSERT_TRUE(changes.waitFor(1));
     const int before = changes.count();
 
-    putContent(folder / "away/below/file", "");
-    putContent(folder / "watched/file", "");
+    moveIn("away/below/file");
+    moveIn("watched/file");
 
     ASSERT_TRUE(changes.waitFor(before + 1));
     fs::remove(folder / "watched/file");
@@ -96,7 +104,7 @@ TEST_F(FolderWatchTest, AfterTheEndNothingIsCalled)
 
     FolderWatch other([this] { changes.add(); });
     ASSERT_TRUE(other.start(folder.path()));
-    putContent(folder / "a", "");
+    moveIn("a");
     ASSERT_TRUE(changes.waitFor(before + 1));
     fs::remove(folder / "a");
     ASSERT_TRUE(changes.waitFor(before + 2));
