@@ -145,16 +145,20 @@ bool BrowserBody::startEditing(int row, BrowserProperty column, const std::strin
     mEditor->setText(toJuce(text), false);
     mEditor->selectAll();
     mEditor->grabKeyboardFocus();
-    mEditor->onReturnKey = [this] {
-        browser().stopEditing(true);
-        grabKeyboardFocus();
-    };
-    mEditor->onEscapeKey = [this] {
-        browser().stopEditing(false);
-        grabKeyboardFocus();
-    };
-    mEditor->onFocusLost = [this] { browser().stopEditing(true); };
+    const auto* field = mEditor.get();
+    mEditor->onReturnKey = [this, field] { finishEditing(field, true, true); };
+    mEditor->onEscapeKey = [this, field] { finishEditing(field, false, true); };
+    mEditor->onFocusLost = [this, field] { finishEditing(field, true, false); };
     return true;
+}
+
+void BrowserBody::finishEditing(const juce::TextEditor* field, bool keep, bool focus)
+{
+    if (field != mEditor.get()) // its last word, after another call has ended the editing
+        return;
+    browser().stopEditing(keep);
+    if (focus && isShowing())
+        grabKeyboardFocus();
 }
 
 std::string BrowserBody::endEditing()
@@ -162,7 +166,6 @@ std::string BrowserBody::endEditing()
     const auto editor = std::exchange(mEditor, nullptr);
     if (!editor)
         return {};
-    editor->onReturnKey = editor->onEscapeKey = editor->onFocusLost = nullptr;
     const auto text = editor->getText().toStdString();
     removeChildComponent(editor.get());
     releaseLater(editor); // its own event may have brought us here

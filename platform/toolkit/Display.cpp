@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <memory>
 #include <xcb/xcb.h>
 
 namespace toolkit::native {
@@ -14,6 +15,8 @@ namespace {
 /// without one.
 class Connection
 {
+    using Reply = std::unique_ptr<void, decltype(&std::free)>;
+
 public:
     Connection()
         : mLibrary(::dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL))
@@ -54,6 +57,29 @@ public:
         std::free(reply);
         std::free(error);
         return known;
+    }
+
+    std::optional<Point> position(std::uint32_t window) const
+    {
+        const auto ask = find<decltype(&xcb_get_geometry)>("xcb_get_geometry");
+        const auto answer = find<decltype(&xcb_get_geometry_reply)>("xcb_get_geometry_reply");
+        const auto askWhere =
+            find<decltype(&xcb_translate_coordinates)>("xcb_translate_coordinates");
+        const auto answerWhere =
+            find<decltype(&xcb_translate_coordinates_reply)>("xcb_translate_coordinates_reply");
+        if (!works() || !ask || !answer || !askWhere || !answerWhere)
+            return std::nullopt;
+        const Reply geometry(answer(mConnection, ask(mConnection, window), nullptr), std::free);
+        if (!geometry)
+            return std::nullopt;
+        const auto root = static_cast<xcb_get_geometry_reply_t*>(geometry.get())->root;
+        const Reply where(
+            answerWhere(mConnection, askWhere(mConnection, window, root, 0, 0), nullptr),
+            std::free);
+        if (!where)
+            return std::nullopt;
+        const auto* found = static_cast<xcb_translate_coordinates_reply_t*>(where.get());
+        return Point{found->dst_x, found->dst_y};
     }
 
     void makeName(const char* name) const
@@ -106,6 +132,11 @@ std::shared_ptr<void> openDisplay()
 bool windowExists(unsigned long id)
 {
     return id != 0 && id <= UINT32_MAX && Connection().knows(static_cast<std::uint32_t>(id));
+}
+
+std::optional<Point> positionOnScreen(unsigned long id)
+{
+    return Connection().position(static_cast<std::uint32_t>(id));
 }
 
 void ringBell()

@@ -1,9 +1,8 @@
 #include "platform/toolkit/Menu.h"
 
-#include "platform/toolkit/Window.h"
-#include "platform/toolkit/native/ControlImpl.h"
+#include "platform/toolkit/EventLoop.h"
 #include "platform/toolkit/native/Graveyard.h"
-#include "platform/toolkit/native/Look.h"
+#include "platform/toolkit/native/WindowImpl.h"
 
 namespace toolkit {
 
@@ -22,6 +21,55 @@ juce::PopupMenu makeMenu(const std::vector<Menu::Item>& items)
                          item.checked);
     }
     return menu;
+}
+
+/// The library takes a menu down at once while nothing of ours has the keyboard. Lends it to the
+/// window itself if no control has it.
+class BorrowedFocus
+{
+public:
+    explicit BorrowedFocus(juce::Component& root)
+        : mRoot(&root)
+    {
+        constexpr int answerMs = 200; // the server's word that the keyboard has come
+        if (!root.hasKeyboardFocus(true)) {
+            root.setWantsKeyboardFocus(true);
+            root.grabKeyboardFocus();
+        }
+        EventLoop::runUntil([] { return juce::Process::isForegroundProcess(); }, answerMs);
+    }
+
+    ~BorrowedFocus()
+    {
+        if (mRoot == nullptr || !mRoot->getWantsKeyboardFocus())
+            return;
+        mRoot->setWantsKeyboardFocus(false);
+        if (mRoot->hasKeyboardFocus(false))
+            mRoot->giveAwayKeyboardFocus();
+    }
+
+    BorrowedFocus(const BorrowedFocus&) = delete;
+    BorrowedFocus& operator=(const BorrowedFocus&) = delete;
+
+private:
+    juce::Component::SafePointer<juce::Component> mRoot;
+};
+
+/// The library closes its menus when there is news of the window's place or stacking, as there may
+/// be after the click that asked for the menu has brought the window to the front. No user chooses
+/// nothing that fast: the menu is shown again.
+int show(juce::PopupMenu& menu, juce::Rectangle<int> at, const Window& window)
+{
+    constexpr juce::uint32 reactionMs = 250;
+    constexpr int attempts = 3;
+    int chosen = 0;
+    for (int attempt = 0; attempt < attempts && chosen == 0 && window.isOpen(); ++attempt) {
+        const auto shownAt = juce::Time::getMillisecondCounter();
+        chosen = menu.showMenu(juce::PopupMenu::Options().withTargetScreenArea(at));
+        if (juce::Time::getMillisecondCounter() - shownAt > reactionMs)
+            break;
+    }
+    return chosen;
 }
 
 } // namespace
@@ -59,9 +107,10 @@ int Menu::popUp(Window& window, Point at) const
     const auto where = juce::Desktop::getInstance().getDisplays().physicalToLogical(
         juce::Point<int>(corner.x, corner.y));
     const native::NestedLoop nested;
-    return menu.showMenu(
-               juce::PopupMenu::Options().withTargetScreenArea({where.x, where.y, 1, 1})) -
-           1;
+    const BorrowedFocus focus(*window.impl().root);
+    if (!window.isOpen())
+        return -1;
+    return show(menu, {where.x, where.y, 1, 1}, window) - 1;
 }
 
 } // namespace toolkit

@@ -105,6 +105,18 @@ void Root::resized()
         mWindow->send(Event({"wind"_4cc, 27}).set("----"_4cc, mWindow));
 }
 
+/// With no control in focus, Tab begins at the first or the last.
+bool Root::keyPressed(const juce::KeyPress& key)
+{
+    if (!key.isKeyCode(juce::KeyPress::tabKey) || hasKeyboardFocus(true))
+        return false;
+    const auto order = juce::KeyboardFocusTraverser().getAllComponents(&mContent);
+    if (order.empty())
+        return false;
+    (key.getModifiers().isShiftDown() ? order.back() : order.front())->grabKeyboardFocus();
+    return true;
+}
+
 void Root::userTriedToCloseWindow()
 {
     if (mWindow)
@@ -126,6 +138,8 @@ Control* Root::controlOf(const juce::Component* component) const
 /// User panes and browsers send their contextual clicks themselves, before anything else.
 void Root::mouseDown(const juce::MouseEvent& event)
 {
+    if (event.eventComponent == &mContent)
+        unfocusAllComponents(); // a click beside the controls ends an editing
     auto* control = event.mods.isPopupMenu() ? controlOf(event.eventComponent) : nullptr;
     if (!control || control->kind() == ControlKind::userPane ||
         control->kind() == ControlKind::dataBrowser)

@@ -84,22 +84,27 @@ public:
         commitIfChanged();
     }
 
-    void colourChanged() override { applyColourToAllText(findColour(textColourId)); }
-
     void enablementChanged() override
     {
-        const auto& look = lookOf(*this);
         TextEditor::enablementChanged();
-        applyColourToAllText(look.textColour(isEnabled()));
+        colourText();
     }
 
     void lookAndFeelChanged() override
     {
-        if (const auto* look = dynamic_cast<Look*>(&getLookAndFeel()))
-            applyColourToAllText(look->textColour(isEnabled()));
+        TextEditor::lookAndFeelChanged();
+        colourText();
     }
 
 private:
+    /// A field that only shows a number is read as often as any other text: dimmed, not faded.
+    void colourText()
+    {
+        const auto* look = dynamic_cast<const Look*>(&getLookAndFeel());
+        if (look) // not before it is in a window
+            applyColourToAllText(isEnabled() ? look->palette().text : look->palette().textDim);
+    }
+
     static bool isAskedAbout(const juce::KeyPress& key)
     {
         return key != juce::KeyPress::tabKey && !key.isKeyCode(juce::KeyPress::tabKey) &&

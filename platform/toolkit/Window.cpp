@@ -308,12 +308,14 @@ Point Window::mousePosition() const
 
 Point Window::toScreen(Point point) const
 {
-    if (!isOpen())
+    auto* peer = isOpen() ? mImpl->root->getPeer() : nullptr;
+    const auto corner = peer ? native::positionOnScreen(nativeId()) : std::nullopt;
+    if (!corner)
         return point;
-    const auto logical =
-        mImpl->root->content().localPointToGlobal(juce::Point<int>(point.x, point.y));
-    const auto pixels = juce::Desktop::getInstance().getDisplays().logicalToPhysical(logical);
-    return {pixels.x, pixels.y};
+    const juce::Point<float> inContent(static_cast<float>(point.x), static_cast<float>(point.y));
+    const auto inPeer = peer->getComponent().getLocalPoint(&mImpl->root->content(), inContent);
+    const auto pixels = (inPeer * static_cast<float>(peer->getPlatformScaleFactor())).roundToInt();
+    return {corner->x + pixels.x, corner->y + pixels.y};
 }
 
 unsigned long Window::nativeId() const

@@ -84,7 +84,8 @@ public:
 
     /// The pointer, in window points.
     Point mousePosition() const;
-    /// From window points to device pixels of the screen.
+    /// From window points to device pixels of the screen; the point itself while the window has not
+    /// been shown. Asks the X server each time.
     Point toScreen(Point point) const;
 
     /// The X server's number of the window that shows the content; 0 while there is none.

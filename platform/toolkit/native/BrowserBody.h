@@ -54,6 +54,7 @@ private:
     /// A second click on a selected name starts editing, if no third one makes it a double click.
     void armEditing(int row, int x);
     void timerCallback() override;
+    void finishEditing(const juce::TextEditor* field, bool keep, bool focus);
     void contextual(juce::Point<int> at);
 
     bool moveKey(const juce::KeyPress& key);

@@ -1,7 +1,10 @@
 /// What must be settled with the X server before the toolkit's library is let near it.
 /// Thread: user interface.
 #pragma once
+#include "platform/toolkit/Geometry.h"
+
 #include <memory>
+#include <optional>
 
 namespace toolkit::native {
 
@@ -12,6 +15,10 @@ std::shared_ptr<void> openDisplay();
 
 /// Whether the server knows a window of this number.
 bool windowExists(unsigned long id);
+
+/// Where the window's corner is on the screen, in device pixels. The library does not hear of it
+/// when a host moves the window that ours is in.
+std::optional<Point> positionOnScreen(unsigned long id);
 
 /// Sounds the server's bell, the desktop's alert. Nothing without a server.
 void ringBell();

@@ -39,6 +39,7 @@ public:
 
     void paint(juce::Graphics& g) override;
     void resized() override;
+    bool keyPressed(const juce::KeyPress& key) override;
     void userTriedToCloseWindow() override;
     void mouseDown(const juce::MouseEvent& event) override; // of everything inside
 

@@ -6,6 +6,7 @@
 #include "platform/toolkit/EventLoop.h"
 #include "platform/toolkit/InterfaceDescription.h"
 #include "platform/toolkit/Look.h"
+#include "platform/toolkit/Timer.h"
 #include "platform/toolkit/Window.h"
 #include "tests/platform/toolkit/VirtualDisplay.h"
 
@@ -63,10 +64,34 @@ protected:
         return display->pixel(corner) == 0x1d2025;
     }
 
-    /// Waits for a condition with the loop running; a minute is for ever, also under a sanitizer.
+    /// Waits for a condition with the loop running; 20 seconds are for ever, also under a sanitizer.
     static bool until(const std::function<bool()>& condition)
     {
-        return toolkit::EventLoop::runUntil(condition, 60000);
+        return toolkit::EventLoop::runUntil(condition, 20000);
+    }
+
+    /// Clicks until it has worked: a menu that has just opened ignores clicks for a moment.
+    bool untilClicked(toolkit::Point point, const std::function<bool()>& condition)
+    {
+        return until([&] {
+            if (condition())
+                return true;
+            display->click(point);
+            return false;
+        });
+    }
+
+    /// Does what a user does in a menu, again and again until the result is let go. A menu keeps
+    /// its own loop until it closes, and ignores everything for the first quarter of a second.
+    static std::unique_ptr<toolkit::Timer> inMenu(std::function<void()> user)
+    {
+        auto timer = std::make_unique<toolkit::Timer>();
+        auto tick = std::make_shared<int>(0);
+        timer->start(100, [tick, user = std::move(user)] {
+            if (++*tick >= 3)
+                user();
+        });
+        return timer;
     }
 
     /// Lets everything happen that the last input causes, for tests of what must not happen: a
