@@ -66,7 +66,23 @@ public:
     EventView* eventView() const { return mEventView.get(); }
 
 private:
+    static constexpr int kTempoControl = 103;
+
+    toolkit::Status handleWindowEvent(const toolkit::Event& event);
+    void bindControls();
+    toolkit::Control* initControl(int id);
+    void InitPushButtonControl(int id);
+    void InitCheckboxControl(int id, bool (CLooper::*get)() const);
+    void InitNumberControl(int id, CLooper::NumRange (CLooper::*get)() const);
+    void attachEventView();
+    void onUserInterface(void (CLooperView::*tell)());
+    void showUpdate();
+    void showLoaded();
+    void showPatternsChanged();
+    void showPatternName();
+
     CLooper* mLooper;
+    std::shared_ptr<CLooperView*> mSelf; ///< what posted calls hold, weakly
     std::shared_ptr<toolkit::Window> mWindow;
     Korvanel::Ref<EditorCloseNotifier> mHostCloseNotifier;
     std::unique_ptr<EventView> mEventView;
