@@ -9,7 +9,7 @@ using namespace Korvanel;
 using toolkit::FontEngine;
 using toolkit::Surface;
 using toolkit::SurfacePoint;
-using toolkit::TextStyle;
+using toolkit::FontStyle;
 
 namespace {
 
