@@ -35,6 +35,8 @@ public:
     /// Stopped at the start of the song, at 120 BPM in 4/4.
     void prepare(double sampleRate);
 
+    void forget() { prepare(mSampleRate); } ///< where the host is
+
     /// The host's word at a frame, not before any frame that was taken. A position that differs
     /// from where we are by no more than what hosts round away is no change. What makes no sense
     /// (a tempo of 0, a position that is no number) leaves its old value.

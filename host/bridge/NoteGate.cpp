@@ -71,6 +71,7 @@ void NoteGate::pass(std::uint32_t frame, std::span<const std::uint8_t> message, 
 void NoteGate::passOn(std::uint32_t frame, std::span<const std::uint8_t> message, MidiSink& sink)
 {
     const int note = noteOf(message[0], message[1]);
+    mKnown[static_cast<std::size_t>(note)] = true; // its off belongs to us even if it is dropped
     if (makeRoom(frame, note, sink) && sink.send(frame, message))
         setOwner(note, Owner::Player);
 }
