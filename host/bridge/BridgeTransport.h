@@ -54,6 +54,8 @@ public:
     std::int64_t frameOf(std::int64_t tick, std::int64_t first, std::int64_t last) const;
     /// The first tick that is not before a frame.
     std::int64_t tickAt(std::int64_t frame) const;
+    /// Where the song is at a frame, as far as we know.
+    double quartersAt(std::int64_t frame) const;
 
     bool playing() const { return mPosition.playing; }
 
@@ -63,7 +65,6 @@ public:
 
 private:
     static HostPosition sensible(const HostPosition& position, const HostPosition& before);
-    double quartersAt(std::int64_t frame) const;
 
     double quartersPerFrame(double tempo) const { return tempo / 60 / mSampleRate; }
 

@@ -12,7 +12,7 @@ constexpr auto kChoice = ParameterKind::Choice;
 using Effect = const CLooper&;
 
 // The order is the order of ports and of automation lanes; new ones go to the end.
-constexpr std::array<Parameter, 10> kTable{{
+constexpr std::array<Parameter, Parameters::kCount> kTable{{
     {"velocity_add",
      "Velocity Add",
      kNumber,
@@ -117,7 +117,7 @@ constexpr std::array<Parameter, 10> kTable{{
 
 } // namespace
 
-std::span<const Parameter> Parameters::table()
+std::span<const Parameter, Parameters::kCount> Parameters::table()
 {
     return kTable;
 }
@@ -125,7 +125,6 @@ std::span<const Parameter> Parameters::table()
 Parameters::Parameters(CLooper& effect)
     : mEffect(effect)
 {
-    static_assert(kTable.size() == kCount);
     for (std::size_t index = 0; index < kCount; ++index)
         mKnown[index] = value(index);
 }

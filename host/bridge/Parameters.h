@@ -30,10 +30,12 @@ struct Parameter
 class Parameters
 {
 public:
+    static constexpr std::size_t kCount = 10;
+
     /// The effect is new, and outlives this.
     explicit Parameters(CLooper& effect);
 
-    static std::span<const Parameter> table();
+    static std::span<const Parameter, kCount> table();
 
     /// Rounded and clamped; what is no number is ignored. [audio thread] or the host's own; takes
     /// the effect's lock when the tempo type changes.
@@ -58,8 +60,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kCount = 10;
-
     CLooper& mEffect;
     std::array<std::atomic<int>, kCount> mKnown{}; ///< to the host
 };

@@ -51,6 +51,12 @@ public:
     void message(std::uint32_t frame, std::span<const std::uint8_t> bytes);
     void endBlock();
 
+    /// Where the song is at a frame unless the host says otherwise.
+    double expectedQuarters(std::uint32_t frame) const
+    {
+        return mTransport.quartersAt(mBlockStart + frame);
+    }
+
     /// Whether work is to be called on another thread.
     bool wantsWork() const { return mProgram.load(std::memory_order_relaxed) >= 0; }
 

@@ -34,6 +34,9 @@ void onFree(const volatile void*) {}
 
 #else
 
+// Visible, so that a plug-in that a test loads is counted as well.
+#pragma GCC visibility push(default)
+
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -65,6 +68,8 @@ int pthread_mutex_lock(pthread_mutex_t* mutex)
     return real(mutex);
 }
 }
+
+#pragma GCC visibility pop
 
 #endif
 
