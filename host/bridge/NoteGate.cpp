@@ -49,7 +49,7 @@ void NoteGate::play(std::uint32_t frame, const Korvanel::MidiEvent& event, MidiS
         sink.send(frame, {bytes.data(), lengthOf(event.status)});
         return;
     }
-    const int note = noteOf(event.status, event.data1);
+    const std::size_t note = noteOf(event.status, event.data1);
     if (bytes[2] == 0 || !makeRoom(frame, note, sink) || !sink.send(frame, bytes))
         return;
     setOwner(note, Owner::Pattern);
@@ -70,17 +70,17 @@ void NoteGate::pass(std::uint32_t frame, std::span<const std::uint8_t> message, 
 
 void NoteGate::passOn(std::uint32_t frame, std::span<const std::uint8_t> message, MidiSink& sink)
 {
-    const int note = noteOf(message[0], message[1]);
-    mKnown[static_cast<std::size_t>(note)] = true; // its off belongs to us even if it is dropped
+    const std::size_t note = noteOf(message[0], message[1]);
+    mKnown[note] = true; // its off belongs to us even if it is dropped
     if (makeRoom(frame, note, sink) && sink.send(frame, message))
         setOwner(note, Owner::Player);
 }
 
 void NoteGate::passOff(std::uint32_t frame, std::span<const std::uint8_t> message, MidiSink& sink)
 {
-    const auto note = static_cast<std::size_t>(noteOf(message[0], message[1]));
+    const std::size_t note = noteOf(message[0], message[1]);
     if (mOwners[note] == Owner::Player)
-        setOwner(static_cast<int>(note), sink.send(frame, message) ? Owner::None : Owner::Owed);
+        setOwner(note, sink.send(frame, message) ? Owner::None : Owner::Owed);
     else if (!mKnown[note] && sink.send(frame, message))
         mKnown[note] = true;
 }
@@ -92,39 +92,39 @@ void NoteGate::endNext(std::uint32_t frame, MidiSink& sink)
 
 void NoteGate::silencePattern(std::uint32_t frame, MidiSink& sink)
 {
-    for (int note = 0; note < kNotes && mPatternNotes > 0; ++note)
-        if (mOwners[static_cast<std::size_t>(note)] == Owner::Pattern)
+    for (std::size_t note = 0; note < kNotes && mPatternNotes > 0; ++note)
+        if (mOwners[note] == Owner::Pattern)
             switchOff(frame, note, sink);
 }
 
 void NoteGate::silenceAll(std::uint32_t frame, MidiSink& sink)
 {
-    for (int channel = 0; channel < kNotes / kKeys; ++channel)
+    for (std::size_t channel = 0; channel < kNotes / kKeys; ++channel)
         silenceChannel(frame, channel, sink);
 }
 
-void NoteGate::silenceChannel(std::uint32_t frame, int channel, MidiSink& sink)
+void NoteGate::silenceChannel(std::uint32_t frame, std::size_t channel, MidiSink& sink)
 {
-    for (int note = channel * kKeys; note < (channel + 1) * kKeys; ++note)
-        if (mOwners[static_cast<std::size_t>(note)] != Owner::None)
+    for (std::size_t note = channel * kKeys; note < (channel + 1) * kKeys; ++note)
+        if (mOwners[note] != Owner::None)
             switchOff(frame, note, sink);
 }
 
 void NoteGate::sendOwed(std::uint32_t frame, MidiSink& sink)
 {
-    for (int note = 0; note < kNotes && mOwedNotes > 0; ++note)
-        if (mOwners[static_cast<std::size_t>(note)] == Owner::Owed)
+    for (std::size_t note = 0; note < kNotes && mOwedNotes > 0; ++note)
+        if (mOwners[note] == Owner::Owed)
             if (!switchOff(frame, note, sink))
                 return;
 }
 
 /// Ends what sounds on the key, if anything. @return false when that cannot be sent
-bool NoteGate::makeRoom(std::uint32_t frame, int note, MidiSink& sink)
+bool NoteGate::makeRoom(std::uint32_t frame, std::size_t note, MidiSink& sink)
 {
-    return mOwners[static_cast<std::size_t>(note)] == Owner::None || switchOff(frame, note, sink);
+    return mOwners[note] == Owner::None || switchOff(frame, note, sink);
 }
 
-bool NoteGate::switchOff(std::uint32_t frame, int note, MidiSink& sink)
+bool NoteGate::switchOff(std::uint32_t frame, std::size_t note, MidiSink& sink)
 {
     const std::array<std::uint8_t, 3> off{static_cast<std::uint8_t>(0x80 | note / kKeys),
                                           static_cast<std::uint8_t>(note % kKeys), kOffVelocity};
@@ -133,9 +133,9 @@ bool NoteGate::switchOff(std::uint32_t frame, int note, MidiSink& sink)
     return sent;
 }
 
-void NoteGate::setOwner(int note, Owner owner)
+void NoteGate::setOwner(std::size_t note, Owner owner)
 {
-    Owner& now = mOwners[static_cast<std::size_t>(note)];
+    Owner& now = mOwners[note];
     if (now == Owner::Pattern) {
         --mPatternNotes;
         remove(note);
@@ -143,55 +143,52 @@ void NoteGate::setOwner(int note, Owner owner)
     mOwedNotes += (owner == Owner::Owed ? 1 : 0) - (now == Owner::Owed ? 1 : 0);
     mPatternNotes += owner == Owner::Pattern ? 1 : 0;
     now = owner;
-    mKnown[static_cast<std::size_t>(note)] = true;
+    mKnown[note] = true;
 }
 
 // The heap of ends --------------------------------------------------------------------------------
 
-void NoteGate::push(int note, std::int64_t end)
+void NoteGate::push(std::size_t note, std::int64_t end)
 {
     siftUp(mHeapSize++, {end, mOrder++, static_cast<std::uint16_t>(note)});
 }
 
-void NoteGate::remove(int note)
+void NoteGate::remove(std::size_t note)
 {
-    const int at = mPlaces[static_cast<std::size_t>(note)] - 1;
-    if (at < 0)
+    if (mPlaces[note] == 0)
         return; // a note without an end
-    mPlaces[static_cast<std::size_t>(note)] = 0;
-    const End last = mHeap[static_cast<std::size_t>(--mHeapSize)];
+    const std::size_t at = mPlaces[note] - 1U;
+    mPlaces[note] = 0;
+    const End last = mHeap[--mHeapSize];
     if (at == mHeapSize)
         return;
-    if (at > 0 && last.before(mHeap[static_cast<std::size_t>((at - 1) / 2)]))
+    if (at > 0 && last.before(mHeap[(at - 1) / 2]))
         siftUp(at, last);
     else
         siftDown(at, last);
 }
 
-void NoteGate::place(int at, const End& end)
+void NoteGate::place(std::size_t at, const End& end)
 {
-    mHeap[static_cast<std::size_t>(at)] = end;
+    mHeap[at] = end;
     mPlaces[end.note] = static_cast<std::uint16_t>(at + 1);
 }
 
-void NoteGate::siftUp(int at, const End& end)
+void NoteGate::siftUp(std::size_t at, const End& end)
 {
-    while (at > 0 && end.before(mHeap[static_cast<std::size_t>((at - 1) / 2)])) {
-        place(at, mHeap[static_cast<std::size_t>((at - 1) / 2)]);
-        at = (at - 1) / 2;
-    }
+    for (; at > 0 && end.before(mHeap[(at - 1) / 2]); at = (at - 1) / 2)
+        place(at, mHeap[(at - 1) / 2]);
     place(at, end);
 }
 
-void NoteGate::siftDown(int at, const End& end)
+void NoteGate::siftDown(std::size_t at, const End& end)
 {
-    for (int child = 2 * at + 1; child < mHeapSize; child = 2 * at + 1) {
-        if (child + 1 < mHeapSize && mHeap[static_cast<std::size_t>(child + 1)].before(
-                                         mHeap[static_cast<std::size_t>(child)]))
+    for (std::size_t child = 2 * at + 1; child < mHeapSize; child = 2 * at + 1) {
+        if (child + 1 < mHeapSize && mHeap[child + 1].before(mHeap[child]))
             ++child;
-        if (!mHeap[static_cast<std::size_t>(child)].before(end))
+        if (!mHeap[child].before(end))
             break;
-        place(at, mHeap[static_cast<std::size_t>(child)]);
+        place(at, mHeap[child]);
         at = child;
     }
     place(at, end);

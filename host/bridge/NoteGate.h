@@ -37,8 +37,8 @@ public:
     bool patternSounds() const { return mPatternNotes > 0; }
 
 private:
-    static constexpr int kKeys = 128;
-    static constexpr int kNotes = 16 * kKeys;
+    static constexpr std::size_t kKeys = 128;
+    static constexpr std::size_t kNotes = 16 * kKeys;
 
     enum class Owner : std::uint8_t { None, Pattern, Player, Owed };
 
@@ -55,29 +55,29 @@ private:
         }
     };
 
-    static int noteOf(std::uint8_t status, std::uint8_t key)
+    static std::size_t noteOf(std::uint8_t status, std::uint8_t key)
     {
-        return (status & 0x0F) * kKeys + (key & 0x7F);
+        return (status & 0x0FU) * kKeys + (key & 0x7FU);
     }
 
-    bool makeRoom(std::uint32_t frame, int note, MidiSink& sink);
-    bool switchOff(std::uint32_t frame, int note, MidiSink& sink);
-    void setOwner(int note, Owner owner);
-    void silenceChannel(std::uint32_t frame, int channel, MidiSink& sink);
+    bool makeRoom(std::uint32_t frame, std::size_t note, MidiSink& sink);
+    bool switchOff(std::uint32_t frame, std::size_t note, MidiSink& sink);
+    void setOwner(std::size_t note, Owner owner);
+    void silenceChannel(std::uint32_t frame, std::size_t channel, MidiSink& sink);
     void passOn(std::uint32_t frame, std::span<const std::uint8_t> message, MidiSink& sink);
     void passOff(std::uint32_t frame, std::span<const std::uint8_t> message, MidiSink& sink);
 
-    void push(int note, std::int64_t end);
-    void remove(int note);
-    void place(int at, const End& end);
-    void siftUp(int at, const End& end);
-    void siftDown(int at, const End& end);
+    void push(std::size_t note, std::int64_t end);
+    void remove(std::size_t note);
+    void place(std::size_t at, const End& end);
+    void siftUp(std::size_t at, const End& end);
+    void siftDown(std::size_t at, const End& end);
 
     std::array<Owner, kNotes> mOwners{};
     std::array<bool, kNotes> mKnown{}; ///< whether a note has come through since the start
     std::array<std::uint16_t, kNotes> mPlaces{}; ///< in the heap, from 1; 0: not there
     std::array<End, kNotes> mHeap{};             ///< the earliest end first
-    int mHeapSize = 0;
+    std::size_t mHeapSize = 0;
     int mPatternNotes = 0;
     int mOwedNotes = 0;
     std::uint32_t mOrder = 0;

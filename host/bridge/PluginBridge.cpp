@@ -12,6 +12,7 @@
 
 using Korvanel::ScopedLock;
 using Korvanel::String;
+using Korvanel::DirectoryTrees::LeafIterator;
 
 namespace {
 
@@ -232,10 +233,12 @@ void PluginBridge::selectProgram(int program)
     String pattern;
     {
         const ScopedLock hold(library->lock());
-        const Korvanel::DirectoryTrees::Node* node = library->FindNode(style).current();
+        Korvanel::DirectoryTrees::Tree* root = library->root();
+        const Korvanel::DirectoryTrees::Node* node =
+            root == nullptr ? nullptr : LeafIterator::findFirst(root->FindTree(style, 0));
         if (node == nullptr)
             return;
-        style = node->parent()->PathName(library->root());
+        style = node->parent()->PathName(root);
         for (; program > 0 && node != nullptr; --program)
             node = node->next();
         if (node == nullptr)

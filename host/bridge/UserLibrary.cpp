@@ -79,8 +79,7 @@ bool makeLibrary(const fs::path& library, const std::string& factory)
 std::string factoryLibrary()
 {
     Korvanel::Module::InitSelfLocation();
-    const std::string own =
-        std::string(Korvanel::Module::GetContentsPath().c_str()) + "Resources/Loops";
+    std::string own = std::string(Korvanel::Module::GetContentsPath().c_str()) + "Resources/Loops";
     if (isFolder(own))
         return own;
     std::istringstream folders(dataFolders());

@@ -221,7 +221,8 @@ TEST_F(Transport, TheFramesOfAllTicksAreTheSameForAnyBlocks)
             cut.prepare(rate);
             std::int32_t next = all.from;
             for (std::int64_t frame = 0; frame < whole;) {
-                const std::int64_t end = std::min<std::int64_t>(frame + random() % 4096 + 1, whole);
+                const auto length = static_cast<std::int64_t>(random() % 4096 + 1);
+                const std::int64_t end = std::min(frame + length, whole);
                 const double now = 1.37 + static_cast<double>(frame) * (tempo / 60 / rate);
                 cut.report(frame, playingAt(now, tempo));
                 const BridgeTransport::Slice slice = cut.take(end);
