@@ -12,10 +12,11 @@ namespace {
 constexpr double kTicks = BridgeTransport::kTicksPerQuarter;
 /// Ticks that arithmetic in doubles may be off by; a host's own arithmetic included.
 constexpr double kExact = 1e-5;
-/// Quarters that a host may round its position by: a tick of 480 to the quarter.
-constexpr double kHostRounding = 1.0 / 480;
-/// Quarters below which our own count is the better one: it does not jitter.
-constexpr double kKeepCount = 1.0 / kTicks;
+/// Quarters that a host may round its position by: more than a tick of 480 to the quarter.
+constexpr double kHostRounding = 1.0 / 240;
+/// Quarters by which our own count may differ from the host's. Some hosts cut their positions down
+/// to ticks of 1920 to the quarter, and following that would let every note jitter.
+constexpr double kOwnCount = 4.0 / kTicks;
 constexpr double kShortestLoop = 1.0 / 32; ///< quarters; a shorter one is a slip of the mouse
 constexpr double kLargestTempo = 100'000;
 constexpr double kLargestPosition = 1e9; ///< quarters; ticks end long before
@@ -86,9 +87,7 @@ BridgeTransport::Change BridgeTransport::report(std::int64_t frame, const HostPo
     mWraps = position.looping && position.quarters < position.loopEnd - kExact / kTicks;
 
     if (goesOn) {
-        const bool ours = std::abs(position.quarters - expected) <= kKeepCount;
-        if (!ours || !sameTempo)
-            moveAnchor(frame, ours ? expected : position.quarters);
+        follow(frame, position.quarters - expected, sameTempo);
         return Change::None;
     }
     moveAnchor(frame, position.quarters);
@@ -98,6 +97,17 @@ BridgeTransport::Change BridgeTransport::report(std::int64_t frame, const HostPo
     if (!wasPlaying)
         return Change::Start;
     return position.quarters < expected ? Change::Loop : Change::Locate;
+}
+
+/// At a steady tempo our count stays within its bounds around the host's; where the tempo changes
+/// the host knows better, unless it says the same.
+void BridgeTransport::follow(std::int64_t frame, double ahead, bool sameTempo)
+{
+    const double expected = quartersAt(frame);
+    if (!sameTempo)
+        moveAnchor(frame, std::abs(ahead) <= kExact / kTicks ? expected : expected + ahead);
+    else if (std::abs(ahead) > kOwnCount)
+        moveAnchor(frame, expected + ahead - std::copysign(kOwnCount, ahead));
 }
 
 /// A tempo that has changed since the last report may have done so at any moment in between.

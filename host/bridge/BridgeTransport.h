@@ -69,6 +69,7 @@ private:
     double quartersPerFrame(double tempo) const { return tempo / 60 / mSampleRate; }
 
     bool agrees(std::int64_t frame, const HostPosition& position) const;
+    void follow(std::int64_t frame, double ahead, bool sameTempo);
     void moveAnchor(std::int64_t frame, double quarters);
     void jump(std::int64_t frame);
     Slice takeThrough(std::int64_t last);

@@ -74,8 +74,30 @@ TEST_F(Transport, PositionsWithinTheHostsRoundingGoOnWithoutAGap)
     expectTake(24000, 0, 3839);
     EXPECT_EQ(transport.report(24000, playingAt(1.0001)), Change::None);
     expectTake(48000, 3840, 7679);
-    EXPECT_EQ(transport.report(48000, playingAt(1.999)), Change::None);
-    expectTake(72000, 7680, 11516);
+    EXPECT_EQ(transport.report(48000, playingAt(1.997)), Change::None); // 11.5 ticks behind us
+    expectTake(72000, 7680, 11512);
+}
+
+TEST_F(Transport, AHostThatCutsItsPositionsToTicksLeavesNoteTimesAlone)
+{
+    transport.report(0, playingAt(0, 93.7));
+    for (std::int64_t frame = 1024; frame < 48000; frame += 1024) {
+        const double quarters = static_cast<double>(frame) * 93.7 / 60 / 48000;
+        ASSERT_EQ(transport.report(frame, playingAt(std::floor(quarters * 1920) / 1920, 93.7)),
+                  Change::None);
+    }
+    EXPECT_EQ(transport.frameOf(3840, 0, 48000), 30736); // 30736.39
+}
+
+TEST_F(Transport, AHostWhoseTempoIsNotWhatItSaysIsFollowed)
+{
+    std::int64_t frame = 0;
+    for (double quarters = 0; quarters < 1000; quarters += 0.5, frame += 11990) { // not 12000
+        ASSERT_EQ(transport.report(frame, playingAt(quarters)),
+                  frame == 0 ? Change::Start : Change::None);
+        transport.take(frame + 11990);
+        ASSERT_NEAR(transport.quartersAt(frame), quarters, 4.001 / 3840);
+    }
 }
 
 TEST_F(Transport, AJumpBackIsALoopAndAJumpAheadALocate)
