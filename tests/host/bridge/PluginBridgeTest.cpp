@@ -115,6 +115,27 @@ TEST_F(Bridge, TheOutputDoesNotDependOnTheBlocks)
     }
 }
 
+TEST(BridgeSamples, AKnownPatternFallsOnItsSamplesAtAnyRateTempoAndBlockSize)
+{
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    for (const std::int64_t rate : {22050, 44100, 48000, 96000, 192000})
+        for (const std::int64_t tempo : {20, 61, 97, 120, 400}) {
+            BridgeHost host(static_cast<double>(rate));
+            host.bridge.effect().set_track(fourQuarters());
+            host.report(0, playingAt(0, static_cast<double>(tempo)));
+            const std::int64_t end = 9 * 60 * rate / tempo;
+            while (host.now < end)
+                host.block(static_cast<std::uint32_t>(random() % 4096 + 1));
+            const SentList sent = host.take();
+            ASSERT_GE(sent.size(), 18u);
+            for (std::size_t i = 0; i < 18; ++i) // an on and an off in each quarter
+                EXPECT_EQ(sent[i].frame, static_cast<std::int64_t>(i) * 30 * rate / tempo)
+                    << rate << " Hz, " << tempo << " BPM, message " << i;
+        }
+}
+
 // Silence -----------------------------------------------------------------------------------------
 
 TEST_F(Bridge, AStopSilencesAtItsFrame)
@@ -324,7 +345,7 @@ TEST_F(Bridge, TheEffectHearsOfStartStopAndLoop)
     EXPECT_EQ(starts.count, 3);
 }
 
-TEST_F(Bridge, ABlockAllocatesNothingAndTakesTheEffectsLockOncePerSlice)
+TEST_F(Bridge, ABlockAllocatesNothingTouchesNoFileAndTakesTheEffectsLockOncePerSlice)
 {
     struct Deaf : MidiSink
     {
@@ -335,6 +356,7 @@ TEST_F(Bridge, ABlockAllocatesNothingAndTakesTheEffectsLockOncePerSlice)
     const std::array<std::uint8_t, 2> program{0xC0, 1};
     const AllocationGuard allocations;
     const LockCounter locks;
+    const FileCounter files;
     for (int i = 0; i < 100; ++i) {
         bridge.beginBlock(4096, deaf);
         bridge.position(0, playingAt(i % 7));
@@ -344,6 +366,7 @@ TEST_F(Bridge, ABlockAllocatesNothingAndTakesTheEffectsLockOncePerSlice)
     }
     EXPECT_EQ(allocations.count(), 0u);
     EXPECT_EQ(locks.count(), LockCounter::counts ? 300u : 0u);
+    EXPECT_EQ(files.count(), 0u);
 }
 
 TEST(BridgeLibrary, EveryBridgeOfTheProcessUsesTheUsersLibrary)

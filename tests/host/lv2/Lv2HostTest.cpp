@@ -153,7 +153,7 @@ TEST_F(InLv2Host, WithoutAWorkerOfTheHostsItHasItsOwn)
     EXPECT_EQ(plugin.sent[0].bytes, (std::vector<std::uint8_t>{0x90, 41, 100}));
 }
 
-TEST_F(InLv2Host, ACycleAllocatesNothingAndTakesTheEffectsLockOnly)
+TEST_F(InLv2Host, ACycleAllocatesNothingTouchesNoFileAndTakesTheEffectsLockOnly)
 {
     Lv2Instance plugin(*world);
     choose(plugin, 0);
@@ -164,9 +164,11 @@ TEST_F(InLv2Host, ACycleAllocatesNothingAndTakesTheEffectsLockOnly)
     plugin.midi(20, {0xC0, 1});
     const AllocationGuard allocations;
     const LockCounter locks;
+    const FileCounter files;
     plugin.runOnly(4096);
     EXPECT_EQ(allocations.count(), 0u);
     EXPECT_EQ(locks.count(), LockCounter::counts ? 3u : 0u); // one for each slice
+    EXPECT_EQ(files.count(), 0u);
 }
 
 TEST_F(InLv2Host, SixtyFourInstancesPlayAtOnce)
@@ -184,6 +186,22 @@ TEST_F(InLv2Host, SixtyFourInstancesPlayAtOnce)
         const auto key = static_cast<std::uint8_t>(40 + i % 2);
         EXPECT_EQ(all[i]->take(), (SentList{on(0, key), off(24000, key)}));
     }
+}
+
+TEST_F(InLv2Host, NothingIsLeftBehindWhenItGoes)
+{
+    const auto entriesIn = [](const char* path) {
+        const std::filesystem::directory_iterator entries(path);
+        return std::distance(begin(entries), end(entries));
+    };
+    const auto threads = entriesIn("/proc/self/task");
+    const auto descriptors = entriesIn("/proc/self/fd");
+    for (int i = 0; i < 3; ++i) {
+        Lv2Instance plugin(*world, 48000, false);
+        choose(plugin, 0);
+    }
+    EXPECT_EQ(entriesIn("/proc/self/task"), threads);
+    EXPECT_EQ(entriesIn("/proc/self/fd"), descriptors);
 }
 
 TEST(Lv2Library, AnInstallationWithoutPatternsFillsTheUsersLibrary)
