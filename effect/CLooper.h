@@ -131,6 +131,11 @@ public:
     void ChangePattern(const char* style, const char* pattern) KV_EXCLUDES(mEdit, mLock);
     void set_track(const Korvanel::CMidiTrack& src) KV_EXCLUDES(mEdit, mLock);
     void Clear() KV_EXCLUDES(mEdit, mLock);
+
+    /// Another number after each change of what plays: whoever keeps notes of the old pattern
+    /// sounding has to end them, and not every change has a notification. Thread: any.
+    std::uint32_t patternRevision() const { return mRevision.load(std::memory_order_acquire); }
+
     void SetStyleName(const char* name);    ///< of the pattern and the effect
     void SetPatternName(const char* name);  ///< of the pattern and the effect; null changes nothing
     void SetCurrentStyle(const char* name); ///< of the effect only
@@ -282,6 +287,7 @@ private:
     std::atomic<std::int16_t> mPort{0};
     std::atomic<bool> mEnabled{false};
     std::atomic<bool> mSilent{false};
+    std::atomic<std::uint32_t> mRevision{0};
     Korvanel::ListenerList<Listener> mListeners;
     PatternChangeNotifier mNotifier;
 

@@ -72,6 +72,7 @@ void CLooper::set_track(const CMidiTrack& src)
     {
         const ScopedLock slice(mLock); // the processing thread may be waiting: swap and go
         std::swap(mPlayTrack, play);
+        mRevision.fetch_add(1, std::memory_order_release);
         if (mLooper != nullptr)
             mLooper->reset();
     }
@@ -89,6 +90,7 @@ void CLooper::Clear()
     {
         const ScopedLock slice(mLock);
         std::swap(mPlayTrack, play);
+        mRevision.fetch_add(1, std::memory_order_release);
         if (mLooper != nullptr)
             mLooper->reset();
     }

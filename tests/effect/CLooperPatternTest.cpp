@@ -281,3 +281,13 @@ TEST_F(Patterns, ThereIsNoDocument)
     EXPECT_FALSE(effect.GetDocumentPath(&path));
     EXPECT_STREQ(path.c_str(), "kept");
 }
+
+TEST_F(Patterns, EveryChangeOfWhatPlaysIsANewRevision)
+{
+    const std::uint32_t atFirst = effect.patternRevision();
+    effect.set_track(pattern(240, {noteAt(0)}));
+    const std::uint32_t loaded = effect.patternRevision();
+    effect.Clear();
+    EXPECT_NE(loaded, atFirst);
+    EXPECT_NE(effect.patternRevision(), loaded);
+}

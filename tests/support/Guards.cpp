@@ -1,13 +1,18 @@
 #include "tests/support/Guards.h"
 
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pthread.h>
+#include <unistd.h>
 
 namespace {
 
 thread_local std::size_t tAllocations = 0;
 thread_local std::size_t tLocks = 0;
+thread_local std::size_t tFiles = 0;
 
 } // namespace
 
@@ -33,6 +38,9 @@ void onFree(const volatile void*) {}
 } // namespace
 
 #else
+
+// Visible, so that a plug-in that a test loads is counted as well.
+#pragma GCC visibility push(default)
 
 extern "C" {
 void* __libc_malloc(std::size_t size);
@@ -64,7 +72,42 @@ int pthread_mutex_lock(pthread_mutex_t* mutex)
     ++tLocks;
     return real(mutex);
 }
+
+ssize_t read(int descriptor, void* data, std::size_t size)
+{
+    static const auto real = reinterpret_cast<decltype(&::read)>(::dlsym(RTLD_NEXT, "read"));
+    ++tFiles;
+    return real(descriptor, data, size);
 }
+
+ssize_t write(int descriptor, const void* data, std::size_t size)
+{
+    static const auto real = reinterpret_cast<decltype(&::write)>(::dlsym(RTLD_NEXT, "write"));
+    ++tFiles;
+    return real(descriptor, data, size);
+}
+
+int open(const char* path, int flags, ...)
+{
+    using Open = int (*)(const char*, int, ...);
+    static const Open real = reinterpret_cast<Open>(::dlsym(RTLD_NEXT, "open"));
+    std::va_list arguments;
+    va_start(arguments, flags);
+    const auto mode = va_arg(arguments, mode_t); // whatever it is where nobody gives one
+    va_end(arguments);
+    ++tFiles;
+    return real(path, flags, mode);
+}
+
+std::FILE* fopen(const char* path, const char* mode)
+{
+    static const auto real = reinterpret_cast<decltype(&::fopen)>(::dlsym(RTLD_NEXT, "fopen"));
+    ++tFiles;
+    return real(path, mode);
+}
+}
+
+#pragma GCC visibility pop
 
 #endif
 
@@ -86,4 +129,14 @@ LockCounter::LockCounter()
 std::size_t LockCounter::count() const
 {
     return tLocks - mBefore;
+}
+
+FileCounter::FileCounter()
+    : mBefore(tFiles)
+{
+}
+
+std::size_t FileCounter::count() const
+{
+    return tFiles - mBefore;
 }

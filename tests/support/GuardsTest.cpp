@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <memory>
 #include <pthread.h>
+#include <unistd.h>
 
 TEST(AllocationGuard, CountsANew)
 {
@@ -27,4 +29,15 @@ TEST(LockCounter, CountsALock)
     pthread_mutex_lock(&mutex);
     pthread_mutex_unlock(&mutex);
     EXPECT_EQ(counter.count(), LockCounter::counts ? 1u : 0u);
+}
+
+TEST(FileCounter, CountsAFileThatIsOpenedAndRead)
+{
+    FileCounter counter;
+    const int descriptor = ::open("/proc/self/stat", O_RDONLY);
+    char byte = 0;
+    const auto came = ::read(descriptor, &byte, 1);
+    ::close(descriptor);
+    EXPECT_EQ(came, 1);
+    EXPECT_EQ(counter.count(), LockCounter::counts ? 2u : 0u);
 }

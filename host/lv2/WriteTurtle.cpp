@@ -1,0 +1,144 @@
+// Writes the bundle's Turtle from the table of parameters, while the plug-in is built.
+//   write_turtle FOLDER BINARY     BINARY is the plug-in's path inside the bundle
+#include "host/bridge/Parameters.h"
+#include "host/lv2/Lv2Names.h"
+
+#include <fstream>
+#include <iostream>
+#include <string>
+
+namespace {
+
+constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/atom#> .
+@prefix doap: <http://usefulinc.com/ns/doap#> .
+@prefix log: <http://lv2plug.in/ns/ext/log#> .
+@prefix lv2: <http://lv2plug.in/ns/lv2core#> .
+@prefix midi: <http://lv2plug.in/ns/ext/midi#> .
+@prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .
+@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
+@prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
+@prefix state: <http://lv2plug.in/ns/ext/state#> .
+@prefix time: <http://lv2plug.in/ns/ext/time#> .
+@prefix units: <http://lv2plug.in/ns/extensions/units#> .
+@prefix urid: <http://lv2plug.in/ns/ext/urid#> .
+@prefix work: <http://lv2plug.in/ns/ext/worker#> .
+
+)";
+
+constexpr const char* kPlugin = R"(    a lv2:Plugin , lv2:MIDIPlugin ;
+    doap:name "Korvanel Looper" ;
+    doap:license <https://www.gnu.org/licenses/gpl-3.0.html> ;
+    rdfs:comment "Plays a MIDI pattern in step with the host's transport." ;
+    lv2:minorVersion 0 ;
+    lv2:microVersion 1 ;
+    lv2:requiredFeature urid:map ;
+    lv2:optionalFeature lv2:hardRTCapable , work:schedule , state:threadSafeRestore , log:log ;
+    lv2:extensionData state:interface , work:interface ;
+    lv2:port )";
+
+constexpr const char* kInPort = R"([
+        a lv2:InputPort , atom:AtomPort ;
+        lv2:index 0 ;
+        lv2:symbol "in" ;
+        lv2:name "In" ;
+        lv2:designation lv2:control ;
+        atom:bufferType atom:Sequence ;
+        atom:supports midi:MidiEvent , time:Position
+    ])";
+
+constexpr const char* kOutPort = R"([
+        a lv2:OutputPort , atom:AtomPort ;
+        lv2:index 1 ;
+        lv2:symbol "out" ;
+        lv2:name "Out" ;
+        lv2:designation lv2:control ;
+        atom:bufferType atom:Sequence ;
+        atom:supports midi:MidiEvent ;
+        rsz:minimumSize 65536
+    ])";
+
+constexpr const char* kEnabledPort = R"([
+        a lv2:InputPort , lv2:ControlPort ;
+        lv2:index 2 ;
+        lv2:symbol "enabled" ;
+        lv2:name "Enabled" ;
+        lv2:designation lv2:enabled ;
+        lv2:default 1 ;
+        lv2:minimum 0 ;
+        lv2:maximum 1 ;
+        lv2:portProperty lv2:toggled , lv2:integer
+    ])";
+
+void writeKind(std::ostream& out, const Parameter& parameter)
+{
+    switch (parameter.kind) {
+    case ParameterKind::Number:
+        out << "        lv2:portProperty lv2:integer";
+        break;
+    case ParameterKind::Toggle:
+        out << "        lv2:portProperty lv2:integer , lv2:toggled";
+        break;
+    case ParameterKind::Choice:
+        out << "        lv2:portProperty lv2:integer , lv2:enumeration";
+        for (int value = parameter.min; value <= parameter.max; ++value)
+            out << " ;\n        lv2:scalePoint [ rdfs:label \""
+                << parameter.choices[static_cast<std::size_t>(value - parameter.min)]
+                << "\" ; rdf:value " << value << " ]";
+        break;
+    }
+    if (std::string(parameter.unit) == "%")
+        out << " ;\n        units:unit units:pc";
+}
+
+void writeParameter(std::ostream& out, const Parameter& parameter, std::size_t port)
+{
+    out << "[\n        a lv2:InputPort , lv2:ControlPort ;\n"
+        << "        lv2:index " << port << " ;\n"
+        << "        lv2:symbol \"" << parameter.id << "\" ;\n"
+        << "        lv2:name \"" << parameter.name << "\" ;\n"
+        << "        lv2:default " << parameter.normal << " ;\n"
+        << "        lv2:minimum " << parameter.min << " ;\n"
+        << "        lv2:maximum " << parameter.max << " ;\n";
+    writeKind(out, parameter);
+    out << "\n    ]";
+}
+
+void writePlugin(std::ostream& out)
+{
+    out << kPrefixes << '<' << kLv2Uri << ">\n"
+        << kPlugin << kInPort << " , " << kOutPort << " , " << kEnabledPort;
+    std::size_t port = kLv2FirstParameter;
+    for (const Parameter& parameter : Parameters::table()) {
+        out << " , ";
+        writeParameter(out, parameter, port++);
+    }
+    out << " .\n";
+}
+
+void writeManifest(std::ostream& out, const std::string& binary)
+{
+    out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
+        << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n\n"
+        << '<' << kLv2Uri << ">\n"
+        << "    a lv2:Plugin ;\n"
+        << "    lv2:binary <" << binary << "> ;\n"
+        << "    rdfs:seeAlso <Looper.ttl> .\n";
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    if (count != 3) {
+        std::cerr << "write_turtle FOLDER BINARY\n";
+        return 1;
+    }
+    const std::string folder = arguments[1];
+    std::ofstream manifest(folder + "/manifest.ttl");
+    writeManifest(manifest, arguments[2]);
+    std::ofstream plugin(folder + "/Looper.ttl");
+    writePlugin(plugin);
+    manifest.close();
+    plugin.close();
+    return manifest && plugin ? 0 : 1;
+}
