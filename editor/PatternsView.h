@@ -6,8 +6,10 @@
 #include "platform/toolkit/Menu.h"
 #include "shared/System/kvString.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 class CLooperView;
 
@@ -28,8 +30,8 @@ public:
     static constexpr int kStylesBrowser = 99;    ///< control ID
     static constexpr int kPatternsBrowser = 101; ///< control ID
 
-    /// Neither is owned. @param owner  may be null
-    PatternsView(CLooper* looper, CLooperView* owner);
+    /// @param looper  not owned. The editor around it needs no word: it follows the effect's own
+    PatternsView(CLooper* looper, CLooperView*);
     PatternsView(const PatternsView&) = delete;
     PatternsView& operator=(const PatternsView&) = delete;
     ~PatternsView();
@@ -37,12 +39,15 @@ public:
     /// Takes the window's two browsers. @return false, doing nothing, without a window, without one
     /// of them or when attached already
     bool AttachToWindow(toolkit::Window* window);
+    /// Gives them back, before the window goes; what they show stays until then.
     void DetachFromWindow();
 
+    // What follows does nothing while not attached. To show what plays never plays it anew.
     void Update();            ///< selects the effect's style and pattern
     void UpdatePatternList(); ///< selects the effect's pattern if its style is listed
-    /// Shows the library's styles anew, and again the style that was listed. The argument is not
-    /// used: what was listed is found by its path.
+    /// Shows the library's styles anew, and again the style that was listed, or what is left of its
+    /// path. While a name is being edited that waits until the user has finished, unless the edited
+    /// style or pattern has gone. The argument is not used.
     void UpdateListItems(Tree*);
     void AddListItems(Tree* style); ///< lists a style's patterns; null lists none
     void AddTreeItems(Tree* tree, toolkit::BrowserItem container);
@@ -65,17 +70,52 @@ public:
     void SelectContextualMenu(toolkit::Control& browser, int index);
 
 private:
-    toolkit::Status itemData(toolkit::BrowserItem item, toolkit::BrowserProperty property,
-                             toolkit::ItemData& data, bool set);
-    void itemNotification(toolkit::BrowserItem item, toolkit::BrowserMessage message);
+    struct Playing; ///< the names of what plays
+
+    // The browsers' callbacks. Each finds the view by its control, which knows none any more when
+    // the view has left the window.
+    static PatternsView* viewOf(const toolkit::Control& control);
+    static toolkit::Status itemData(toolkit::Control& control, toolkit::BrowserItem item,
+                                    toolkit::BrowserProperty property, toolkit::ItemData& data,
+                                    bool set);
+    static void itemNotification(toolkit::Control& control, toolkit::BrowserItem item,
+                                 toolkit::BrowserMessage message);
+    void itemSelected(Node* node);
+    void itemRemoved(const Node* node);
+    void attach(toolkit::Control& control);
+    static void detach(toolkit::Control& control);
+
+    // Showing
+    Tree* FindTree(Tree* from, const Korvanel::String& path, int start,
+                   toolkit::BrowserItem container);
+    void listAgain(const Korvanel::String& path);
+    std::vector<Korvanel::String> openStyles() const;
+    bool isEditingListed() const;
+    void rebuildAfterEditing();
+    void leaveOtherLibrary(const Tree* root);
+    void showStyle(Tree* style);
+    void showPattern(const Playing& playing, Tree* root);
+    void setListed(Tree* style);
+    Korvanel::String listedPath() const;
+
+    // Files
+    void rename(Node& node, const std::string& text);
+    void refresh(const Korvanel::String& path);
+    void addStyle();
+    void deleteStyle();
+    void renameStyle();
+    void showInfo();
+
+    static std::vector<PatternsView*> mAttached; ///< the views that show the library
 
     CLooper* mLooper;
-    CLooperView* mOwner;
     toolkit::Control* mStyles = nullptr;
     toolkit::Control* mPatterns = nullptr;
-    Tree* mListedTree = nullptr;
-    Korvanel::String mListedPath; ///< its path in the library
-    bool mLoading = false;        ///< a selection is being turned into a pattern that plays
+    Tree* mListedTree = nullptr;          ///< held
+    Korvanel::String mListedPath;         ///< its path in the library, also when it has just gone
+    bool mLoading = false;                ///< selection and effect are being brought into step
+    bool mChangedMeanwhile = false;       ///< the library, while a name was being edited
+    std::shared_ptr<PatternsView*> mSelf; ///< what calls that wait hold, weakly
 };
 
 /// The name with ".mid" at its end, and without; other extensions, also ".midi" or ".MID", are part
