@@ -166,7 +166,7 @@ std::string BrowserBody::endEditing()
     const auto editor = std::exchange(mEditor, nullptr);
     if (!editor)
         return {};
-    const auto text = editor->getText().toStdString();
+    auto text = editor->getText().toStdString();
     removeChildComponent(editor.get());
     releaseLater(editor); // its own event may have brought us here
     return text;

@@ -3,6 +3,7 @@
 #include "platform/toolkit/native/ViewBase.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace toolkit::native {
 
@@ -93,24 +94,20 @@ bool BrowserBody::moveKey(const juce::KeyPress& key)
     const int last = static_cast<int>(rows().size()) - 1;
     const int page = std::max(mViewport.getViewHeight() / measure::rowHeight - 1, 1);
     const int row = currentRow();
-    int to = row;
-    if (key == juce::KeyPress::upKey)
-        to = row < 0 ? last : row - 1;
-    else if (key == juce::KeyPress::downKey)
-        to = row + 1;
-    else if (key == juce::KeyPress::pageUpKey)
-        to = row - page;
-    else if (key == juce::KeyPress::pageDownKey)
-        to = row + page;
-    else if (key == juce::KeyPress::homeKey)
-        to = 0;
-    else if (key == juce::KeyPress::endKey)
-        to = last;
-    else
-        return false;
-    if (last >= 0)
-        selectRow(std::clamp(to, 0, last));
-    return true;
+    const std::pair<int, int> moves[] = {{juce::KeyPress::upKey, row < 0 ? last : row - 1},
+                                         {juce::KeyPress::downKey, row + 1},
+                                         {juce::KeyPress::pageUpKey, row - page},
+                                         {juce::KeyPress::pageDownKey, row + page},
+                                         {juce::KeyPress::homeKey, 0},
+                                         {juce::KeyPress::endKey, last}};
+    for (const auto& [code, to] : moves) {
+        if (key != juce::KeyPress(code))
+            continue;
+        if (last >= 0)
+            selectRow(std::clamp(to, 0, last));
+        return true;
+    }
+    return false;
 }
 
 bool BrowserBody::treeKey(const juce::KeyPress& key)
@@ -119,13 +116,10 @@ bool BrowserBody::treeKey(const juce::KeyPress& key)
     const bool left = key == juce::KeyPress::leftKey;
     if (item == 0 || mBrowser.disclosureColumn == 0 || (!left && key != juce::KeyPress::rightKey))
         return false;
-    const bool open = browser().isOpen(item);
-    if (left && open)
+    if (left == browser().isOpen(item))
         toggle(item);
     else if (left)
         selectRow(mBrowser.tree.rowOf(browser().containerOf(item)));
-    else if (!open)
-        toggle(item);
     return true;
 }
 

@@ -31,7 +31,7 @@ struct Glyph
     std::vector<std::uint8_t> cover;
 };
 
-std::int32_t soundSize(const TextStyle& style)
+std::int32_t soundSize(const FontStyle& style)
 {
     return style.size < 1 ? 12 : std::min(style.size, 1000);
 }
@@ -53,10 +53,10 @@ public:
     }
 
     /// Sets the face to `percent` of the style's size; null without a font.
-    FT_Face sized(const TextStyle& style, int percent)
+    FT_Face sized(const FontStyle& style, int percent)
     {
-        FT_Face face = faces.face(style.family, (style.face & TextStyle::bold) != 0,
-                                  (style.face & TextStyle::italic) != 0);
+        FT_Face face = faces.face(style.family, (style.face & FontStyle::bold) != 0,
+                                  (style.face & FontStyle::italic) != 0);
         if (face == nullptr)
             return nullptr;
         const FT_F26Dot6 size = soundSize(style) * 64 * percent / 100;
@@ -144,7 +144,7 @@ std::uint16_t FontEngine::familyNumber(std::string_view name)
     return mImpl->faces.familyNumber(name);
 }
 
-TextMetrics FontEngine::metrics(const TextStyle& style)
+TextMetrics FontEngine::metrics(const FontStyle& style)
 {
     const FT_Face face = mImpl->sized(style, 100);
     if (face == nullptr)
@@ -152,7 +152,7 @@ TextMetrics FontEngine::metrics(const TextStyle& style)
     return {rounded(face->size->metrics.ascender), rounded(-face->size->metrics.descender)};
 }
 
-std::int32_t FontEngine::width(const TextStyle& style, std::string_view text)
+std::int32_t FontEngine::width(const FontStyle& style, std::string_view text)
 {
     const FT_Face face = mImpl->sized(style, 100);
     if (face == nullptr)
@@ -160,7 +160,7 @@ std::int32_t FontEngine::width(const TextStyle& style, std::string_view text)
     return rounded(Impl::layOut(face, text, [](FT_UInt, std::int64_t) {}));
 }
 
-void FontEngine::draw(Surface& surface, SurfacePoint baseline, const TextStyle& style,
+void FontEngine::draw(Surface& surface, SurfacePoint baseline, const FontStyle& style,
                       std::string_view text, std::uint32_t rgb)
 {
     const int percent = surface.scalePercent();
@@ -173,7 +173,7 @@ void FontEngine::draw(Surface& surface, SurfacePoint baseline, const TextStyle& 
         surface.drawMask({start.x + rounded(position) + glyph.left, start.y - glyph.top},
                          {glyph.cover.data(), glyph.width, glyph.height, glyph.width}, rgb);
     });
-    if ((style.face & TextStyle::underline) == 0)
+    if ((style.face & FontStyle::underline) == 0)
         return;
     const int thickness = percent / 100;
     const std::vector<std::uint8_t> line(static_cast<std::size_t>(rounded(end)), 255);

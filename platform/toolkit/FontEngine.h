@@ -10,7 +10,7 @@
 namespace toolkit {
 
 /// A font as the framework names it.
-struct TextStyle
+struct FontStyle
 {
     static constexpr std::uint16_t bold = 1;
     static constexpr std::uint16_t italic = 2;
@@ -20,7 +20,7 @@ struct TextStyle
     std::uint16_t face = 0;   ///< bold, italic, underline; other bits change nothing
     std::int32_t size = 0;    ///< logical pixels, at most 1,000; below 1 means 12
 
-    friend bool operator==(const TextStyle&, const TextStyle&) = default;
+    friend bool operator==(const FontStyle&, const FontStyle&) = default;
 };
 
 /// Logical pixels above and below the baseline.
@@ -47,13 +47,13 @@ public:
     /// @return the same number for the same name, whatever its case; 0 when there is no such family
     std::uint16_t familyNumber(std::string_view name);
 
-    TextMetrics metrics(const TextStyle& style);
+    TextMetrics metrics(const FontStyle& style);
 
     /// The same at every scale: kerned and summed in fractions, then rounded to logical pixels.
-    std::int32_t width(const TextStyle& style, std::string_view text);
+    std::int32_t width(const FontStyle& style, std::string_view text);
 
     /// @param baseline  where the first letter stands, logical
-    void draw(Surface& surface, SurfacePoint baseline, const TextStyle& style,
+    void draw(Surface& surface, SurfacePoint baseline, const FontStyle& style,
               std::string_view text, std::uint32_t rgb);
 
 private:

@@ -65,7 +65,8 @@ void Root::place(const WindowParent& parent, bool resizable, bool floating)
     }
     if (const auto* host = std::get_if<ParentX11>(&parent)) {
         setTopLeftPosition(0, 0);
-        addToDesktop(0, reinterpret_cast<void*>(host->id));
+        // The library passes the server's window numbers as pointers.
+        addToDesktop(0, reinterpret_cast<void*>(host->id)); // NOLINT(performance-no-int-to-ptr)
         return;
     }
     setAlwaysOnTop(floating);

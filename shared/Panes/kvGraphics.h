@@ -161,7 +161,7 @@ private:
     toolkit::SurfaceRect onPort(const Rect& rect) const;
     toolkit::SurfacePoint onPort(Point point) const;
     void useColor(const Color& color);
-    toolkit::TextStyle textStyle() const;
+    toolkit::FontStyle textStyle() const;
     void installClip(Region clip);
 
     Ref<Pen> mPen;

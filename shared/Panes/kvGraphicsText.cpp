@@ -16,7 +16,7 @@ std::string_view textOf(const char* text, int length)
 
 } // namespace
 
-toolkit::TextStyle GraphicsContext::textStyle() const
+toolkit::FontStyle GraphicsContext::textStyle() const
 {
     if (!mFont)
         return {};

@@ -64,7 +64,7 @@ protected:
         return display->pixel(corner) == 0x1d2025;
     }
 
-    /// Waits for a condition with the loop running; 20 seconds are for ever, also under a sanitizer.
+    /// Waits for a condition with the loop running; 20 seconds are for ever, even with a sanitizer.
     static bool until(const std::function<bool()>& condition)
     {
         return toolkit::EventLoop::runUntil(condition, 20000);

@@ -7,9 +7,9 @@
 
 using namespace Korvanel;
 using toolkit::FontEngine;
+using toolkit::FontStyle;
 using toolkit::Surface;
 using toolkit::SurfacePoint;
-using toolkit::TextStyle;
 
 namespace {
 

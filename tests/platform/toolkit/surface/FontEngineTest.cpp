@@ -14,7 +14,7 @@ using namespace toolkit;
 
 namespace {
 
-constexpr TextStyle plain{0, 0, 12};
+constexpr FontStyle plain{0, 0, 12};
 
 std::vector<std::uint32_t> charactersOf(std::string_view text)
 {
@@ -24,7 +24,7 @@ std::vector<std::uint32_t> charactersOf(std::string_view text)
     return characters;
 }
 
-std::string drawn(FontEngine& engine, const TextStyle& style, std::string_view text,
+std::string drawn(FontEngine& engine, const FontStyle& style, std::string_view text,
                   int percent = 100)
 {
     const auto surface = Surface::create({0, 0, 60, 20}, percent);
@@ -70,7 +70,7 @@ TEST(FontEngine, AnUnknownFamilyIsTheDefaultOne)
 TEST(FontEngine, FixedLettersAreEquallyWide)
 {
     FontEngine& engine = FontEngine::shared();
-    const TextStyle mono{engine.familyNumber("DejaVu Sans Mono"), 0, 20};
+    const FontStyle mono{engine.familyNumber("DejaVu Sans Mono"), 0, 20};
     EXPECT_EQ(engine.width(mono, "iiiiiiiiii"), engine.width(mono, "MMMMMMMMMM"));
     EXPECT_EQ(engine.width(mono, "iiiiiiiiii"), 120); // 0.602 of the size for each letter
 }
@@ -78,14 +78,14 @@ TEST(FontEngine, FixedLettersAreEquallyWide)
 TEST(FontEngine, KernsPairs)
 {
     FontEngine& engine = FontEngine::shared();
-    const TextStyle large{0, 0, 100};
+    const FontStyle large{0, 0, 100};
     EXPECT_LT(engine.width(large, "AV"), engine.width(large, "A") + engine.width(large, "V"));
 }
 
 TEST(FontEngine, BoldIsWiderThanPlain)
 {
     FontEngine& engine = FontEngine::shared();
-    EXPECT_GT(engine.width({0, TextStyle::bold, 40}, "Loop"), engine.width({0, 0, 40}, "Loop"));
+    EXPECT_GT(engine.width({0, FontStyle::bold, 40}, "Loop"), engine.width({0, 0, 40}, "Loop"));
 }
 
 TEST(FontEngine, SizesBelowOneAreTwelve)
@@ -121,7 +121,7 @@ TEST(FontEngine, ASecondDrawingFromTheCacheIsTheSame)
 TEST(FontEngine, UnderliningAddsALine)
 {
     FontEngine& engine = FontEngine::shared();
-    const std::string line = drawn(engine, {0, TextStyle::underline, 12}, "   ");
+    const std::string line = drawn(engine, {0, FontStyle::underline, 12}, "   ");
     EXPECT_EQ(line.find('#'), static_cast<std::size_t>(16 * 61 + 2));
 }
 
@@ -145,6 +145,6 @@ TEST(FontEngine, WithoutAnyFontMeasuresAndDrawsNothing)
     EXPECT_EQ(engine.familyNumber("DejaVu Sans Mono"), 0);
     EXPECT_EQ(engine.width(plain, "Groove"), 0);
     EXPECT_EQ(engine.metrics(plain).ascent, 0);
-    EXPECT_EQ(drawn(engine, {0, TextStyle::underline, 12}, "Groove").find('#'), std::string::npos);
+    EXPECT_EQ(drawn(engine, {0, FontStyle::underline, 12}, "Groove").find('#'), std::string::npos);
     std::filesystem::remove(folder);
 }
