@@ -93,7 +93,8 @@ std::int32_t CLooperView::attach(void* host, int, int)
     bindControls();
     attachEventView();
     mPatternsView->AttachToWindow(mWindow.get());
-    showPatternName();
+    if (!mLooper->GetPatternName().IsEmpty())
+        showPatternName();
     return mWindow->show();
 }
 

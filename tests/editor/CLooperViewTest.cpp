@@ -254,7 +254,7 @@ TEST_F(Editor, TheTempoOfTheMenuIsOneMoreThanTheEffects)
 TEST_F(Editor, TheLoadedPatternsNameIsShown)
 {
     open();
-    EXPECT_EQ(text(100), "/");
+    EXPECT_EQ(text(100), "");
 
     effect->ChangePattern("Rock", "a.mid");
 
@@ -283,6 +283,17 @@ TEST_F(Editor, ALibraryThatChangesIsShown)
     CLooper::patternTree()->updateAndNotify();
 
     EXPECT_TRUE(until([&] { return styles.items().size() == 3; }));
+}
+
+TEST_F(Editor, OpensWithWhatIsPlaying)
+{
+    effect->ChangePattern("Rock", "b.mid");
+
+    open();
+
+    EXPECT_EQ(text(100), "Rock/b");
+    EXPECT_EQ(control(101).dataBrowser()->items().size(), 2u);
+    EXPECT_EQ(control(101).dataBrowser()->selectedItems().size(), 1u);
 }
 
 // Menus and styles --------------------------------------------------------------------------------
@@ -350,7 +361,7 @@ TEST_F(Editor, TwoEditorsShowTwoEffects)
     other.ChangePattern("Jazz", "c.mid");
 
     EXPECT_EQ(text(109), "-10");
-    EXPECT_EQ(text(100), "/");
+    EXPECT_EQ(text(100), "");
     EXPECT_EQ(other.getVeloPlus().value, 4);
     second.remove();
     other.Terminate();
