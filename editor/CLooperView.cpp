@@ -22,6 +22,9 @@ constexpr int kPatternNameControl = 100;
 constexpr int kEventViewControl = 108;
 constexpr int kFixedSize = 100;
 
+/// A host's automation writes parameters from the processing thread, which can tell nobody.
+constexpr int kRefreshMs = 50;
+
 /// Loads the description of the window from the resources of the module's own bundle.
 Status loadDescription(toolkit::InterfaceDescription& description)
 {
@@ -91,6 +94,7 @@ std::int32_t CLooperView::attach(void* host, int, int)
     mWindow->installHandler({{"wind"_4cc, 73}, {"cntl"_4cc, 1}, {"cntl"_4cc, 12}},
                             [this](const Event& event) { return handleWindowEvent(event); });
     bindControls();
+    mRefresh.start(kRefreshMs, [this] { showParameters(); });
     attachEventView();
     mPatternsView->AttachToWindow(mWindow.get());
     if (!mLooper->GetPatternName().IsEmpty())
@@ -120,6 +124,7 @@ void CLooperView::remove()
 
 void CLooperView::performWindowClose()
 {
+    mRefresh.cancel();
     mEventView->Destroy();
     mPatternsView->DetachFromWindow();
     mWindow = nullptr;

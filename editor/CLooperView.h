@@ -4,6 +4,7 @@
 #include "editor/EditorHost.h"
 #include "effect/CLooper.h"
 #include "effect/MidiEffect.h"
+#include "platform/toolkit/Timer.h"
 #include "platform/toolkit/Window.h"
 #include "shared/Panes/kvGraphics.h"
 #include "shared/System/kvObject.h"
@@ -80,6 +81,7 @@ private:
     void showLoaded();
     void showPatternsChanged();
     void showPatternName();
+    void showParameters();
 
     CLooper* mLooper;
     std::shared_ptr<CLooperView*> mSelf; ///< what posted calls hold, weakly
@@ -87,4 +89,5 @@ private:
     Korvanel::Ref<EditorCloseNotifier> mHostCloseNotifier;
     std::unique_ptr<EventView> mEventView;
     std::unique_ptr<PatternsView> mPatternsView;
+    toolkit::Timer mRefresh; ///< while there is a window
 };

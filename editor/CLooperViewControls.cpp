@@ -196,6 +196,26 @@ void CLooperView::InitNumberControl(int id, CLooper::NumRange (CLooper::*get)() 
     text->setEnabled(false); // it shows the number; the arrows change it
 }
 
+void CLooperView::showParameters()
+{
+    const auto show = [this](int id, int value) {
+        Control* control = mWindow->findControl({0, id});
+        const bool differs = control != nullptr && control->value() != value;
+        if (differs)
+            control->setValue(value);
+        return differs;
+    };
+    for (const SwitchBinding& binding : kSwitches)
+        show(binding.box, (mLooper->*binding.get)() ? 1 : 0);
+    for (const NumberBinding& binding : kNumbers) {
+        const int value = (mLooper->*binding.get)().value;
+        Control* text = mWindow->findControl({0, binding.text});
+        if (show(binding.arrows(), value) && text != nullptr)
+            showNumber(*text, value);
+    }
+    show(kTempoControl, mLooper->tempoType() + 1);
+}
+
 // Actions -----------------------------------------------------------------------------------------
 
 void CLooperView::performNumEdit(int controlId, int value)

@@ -249,6 +249,20 @@ TEST_F(Editor, TheTempoOfTheMenuIsOneMoreThanTheEffects)
     EXPECT_EQ(effect->tempoType(), 0);
 }
 
+TEST_F(Editor, WhatAHostAutomatesIsShown)
+{
+    open();
+
+    effect->setVeloPlus(42);
+    effect->setThru(true);
+    effect->TempoType(0);
+
+    EXPECT_TRUE(until([&] { return text(109) == "42"; }));
+    EXPECT_EQ(control(110).value(), 42);
+    EXPECT_EQ(control(102).value(), 1);
+    EXPECT_EQ(control(103).value(), 1);
+}
+
 // What the effect tells ---------------------------------------------------------------------------
 
 TEST_F(Editor, TheLoadedPatternsNameIsShown)
