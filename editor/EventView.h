@@ -31,7 +31,8 @@ public:
 private:
     void dragWhenMoved(const Korvanel::MouseEvent& event);
     Korvanel::Rect inner() const;
-    void drawCursor(Korvanel::GraphicsContext& g) const;
+    Korvanel::Rect cursorAt(std::int32_t x) const;
+    void drawCursor(Korvanel::GraphicsContext& g, std::int32_t x) const;
 
     CLooper* mLooper;
     std::int32_t mCursorX = 0;
