@@ -64,3 +64,8 @@ bool isListedBelow(const Tree* root, const Node* node)
     }
     return true;
 }
+
+std::string toText(const Korvanel::String& text)
+{
+    return {text.c_str(), static_cast<std::size_t>(text.GetLength())};
+}

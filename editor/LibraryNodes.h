@@ -3,8 +3,10 @@
 #pragma once
 #include "library/DirectoryTrees.h"
 #include "library/PatternTree.h"
+#include "platform/toolkit/DataBrowser.h"
 
 #include <memory>
+#include <string>
 
 /// Holds the library's lock for a scope, where there is a library. Without one the nodes that are
 /// still shown belong to nobody else. May be nested: only the outermost asks for the library, as
@@ -36,3 +38,17 @@ void releaseWithParents(Korvanel::DirectoryTrees::Node* node);
 /// else may have that by now. With the library's lock held.
 bool isListedBelow(const Korvanel::DirectoryTrees::Tree* root,
                    const Korvanel::DirectoryTrees::Node* node);
+
+// A browser knows a node by its address.
+inline toolkit::BrowserItem toItem(const Korvanel::DirectoryTrees::Node* node)
+{
+    return reinterpret_cast<toolkit::BrowserItem>(node);
+}
+
+inline Korvanel::DirectoryTrees::Node* toNode(toolkit::BrowserItem item)
+{
+    return reinterpret_cast<Korvanel::DirectoryTrees::Node*>(item);
+}
+
+/// All bytes, NULs too.
+std::string toText(const Korvanel::String& text);

@@ -6,7 +6,6 @@
 #include "platform/toolkit/FourCharCode.h"
 #include "platform/toolkit/Window.h"
 
-#include <cstdio>
 #include <sys/stat.h>
 
 using Korvanel::String;
@@ -29,16 +28,6 @@ constexpr BrowserProperty kLengthColumn = "leng"_4cc;
 
 /// A length is read each time that it is drawn: what is larger is no pattern that anybody made.
 constexpr off_t kLargestPattern = 4 << 20;
-
-Node* toNode(BrowserItem item)
-{
-    return reinterpret_cast<Node*>(item);
-}
-
-std::string toText(const String& text)
-{
-    return {text.c_str(), static_cast<std::size_t>(text.GetLength())};
-}
 
 /// Whether reading the pattern ends, and soon: by now its name may be that of a pipe.
 bool isReadable(const Leaf& leaf)
@@ -194,57 +183,51 @@ toolkit::Status PatternsView::itemData(Control& control, BrowserItem item, Brows
 
 void PatternsView::itemNotification(Control& control, BrowserItem item, BrowserMessage message)
 {
-    Node* node = toNode(item);
     PatternsView* view = viewOf(control);
-    switch (message) {
-    case BrowserMessage::itemAdded:
-        keepWithParents(node);
+    if (message == BrowserMessage::itemAdded)
+        keepWithParents(toNode(item));
+    else if (view != nullptr)
+        view->notified(*control.dataBrowser(), toNode(item), message);
+    if (message == BrowserMessage::itemRemoved) // also in a window that the view has left
+        releaseWithParents(toNode(item));
+}
+
+void PatternsView::notified(DataBrowser& browser, Node* node, BrowserMessage message)
+{
+    if (message == BrowserMessage::editStopped) { // the node may be gone
+        rebuildAfterEditing();
         return;
-    case BrowserMessage::itemRemoved: // also of a window that the view has left
-        if (view != nullptr)
-            view->itemRemoved(node);
-        releaseWithParents(node);
-        return;
-    default:
-        break;
     }
-    if (view == nullptr)
+    if (message == BrowserMessage::itemSelected && !node->isTree() && !mLoading)
+        LoadPattern(node);
+    if (!node->isTree())
         return;
+    auto* style = static_cast<Tree*>(node);
     switch (message) {
-    case BrowserMessage::editStopped:
-        view->rebuildAfterEditing();
+    case BrowserMessage::itemRemoved:
+        itemRemoved(style);
         break;
     case BrowserMessage::itemSelected:
-        view->itemSelected(node);
+        AddListItems(style);
         break;
     case BrowserMessage::itemDeselected:
-        if (node->isTree())
-            view->DeselectTree(static_cast<Tree*>(node));
+        DeselectTree(style);
         break;
     case BrowserMessage::itemDoubleClicked:
-        if (node->isTree())
-            control.dataBrowser()->openContainer(item);
+        browser.openContainer(toItem(style));
         break;
     case BrowserMessage::containerOpened:
-        if (node->isTree())
-            view->AddTreeItems(static_cast<Tree*>(node), item);
+        AddTreeItems(style, toItem(style));
         break;
     default:
         break;
     }
 }
 
-void PatternsView::itemSelected(Node* node)
+/// The path stays: when the library is shown anew the style is listed again.
+void PatternsView::itemRemoved(const Tree* style)
 {
-    if (node->isTree())
-        AddListItems(static_cast<Tree*>(node));
-    else if (!mLoading)
-        LoadPattern(node);
-}
-
-void PatternsView::itemRemoved(const Node* node)
-{
-    if (node != mListedTree)
+    if (style != mListedTree)
         return;
     const String path = listedPath();
     setListed(nullptr);

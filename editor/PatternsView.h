@@ -80,8 +80,8 @@ private:
                                     bool set);
     static void itemNotification(toolkit::Control& control, toolkit::BrowserItem item,
                                  toolkit::BrowserMessage message);
-    void itemSelected(Node* node);
-    void itemRemoved(const Node* node);
+    void notified(toolkit::DataBrowser& browser, Node* node, toolkit::BrowserMessage message);
+    void itemRemoved(const Tree* style);
     void attach(toolkit::Control& control);
     static void detach(toolkit::Control& control);
 

@@ -10,7 +10,6 @@
 #include <cstdio>
 
 using Korvanel::String;
-using toolkit::BrowserItem;
 using toolkit::Menu;
 using toolkit::operator""_4cc;
 
@@ -21,14 +20,9 @@ constexpr std::uint32_t kFileSlack = 1 << 16; // many small writes make a patter
 
 enum StyleCommand { AddStyle = 1, DeleteStyle = 2, RenameStyle = 3, ShowInfo = 5 }; // item indices
 
-std::string toText(const String& text)
-{
-    return {text.c_str(), static_cast<std::size_t>(text.GetLength())};
-}
-
 toolkit::Status editName(const toolkit::Control& styles, const PatternsView::Node* style)
 {
-    return styles.dataBrowser()->editItem(reinterpret_cast<BrowserItem>(style), "styl"_4cc);
+    return styles.dataBrowser()->editItem(toItem(style), "styl"_4cc);
 }
 
 } // namespace

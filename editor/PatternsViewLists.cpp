@@ -28,11 +28,6 @@ using Node = PatternsView::Node;
 using Tree = PatternsView::Tree;
 using Leaf = PatternsView::Leaf;
 
-BrowserItem toItem(const Node* node)
-{
-    return reinterpret_cast<BrowserItem>(node);
-}
-
 /// The node and its siblings behind it.
 std::vector<BrowserItem> itemsFrom(const Node* node)
 {
@@ -65,7 +60,7 @@ void collectOpen(const DataBrowser& browser, BrowserItem container, std::vector<
     for (const BrowserItem item : browser.items(container)) {
         if (!browser.isOpen(item))
             continue;
-        paths.push_back(reinterpret_cast<const Node*>(item)->PathName(nullptr));
+        paths.push_back(toNode(item)->PathName(nullptr));
         collectOpen(browser, item, paths);
     }
 }
@@ -138,7 +133,7 @@ bool PatternsView::isEditingListed() const
     const LibraryLock library;
     for (const Control* control : {mStyles, mPatterns}) {
         const BrowserItem edited = control->dataBrowser()->editedItem();
-        if (edited != 0 && isListedBelow(library.root(), reinterpret_cast<const Node*>(edited)))
+        if (edited != 0 && isListedBelow(library.root(), toNode(edited)))
             return true;
     }
     return false;
@@ -229,7 +224,7 @@ void PatternsView::leaveOtherLibrary(const Tree* root)
 {
     DataBrowser& styles = *mStyles->dataBrowser();
     const auto shown = styles.items();
-    if (!shown.empty() && reinterpret_cast<const Node*>(shown.front())->parent() != root) {
+    if (!shown.empty() && toNode(shown.front())->parent() != root) {
         styles.removeAllItems();
         AddListItems(nullptr);
     }
