@@ -89,7 +89,7 @@ private:
 
 // Following ---------------------------------------------------------------------------------------
 
-void PatternsView::Update()
+void PatternsView::Update() // NOLINT(bugprone-virtual-near-miss): as in the header
 {
     if (mLoading || mStyles == nullptr)
         return;

@@ -122,6 +122,34 @@ TEST_F(PatternsViewEditingTest, AnEmptiedOrUntouchedNameAndEscapeChangeNothing)
     EXPECT_EQ(newBeeps(), 0u);
 }
 
+TEST_F(PatternsViewEditingTest, ANameThatIsNoUtf8StaysUntilAnotherIsTyped)
+{
+    folder.put("Rock/\xff.mid");
+    openBrowser();
+    clickStyle("Rock");
+    editPattern("Rock\\\xff.mid");
+    typeName("");
+    EXPECT_TRUE(exists("Rock/\xff.mid"));
+
+    editPattern("Rock\\\xff.mid");
+    typeName("Fill");
+    EXPECT_FALSE(exists("Rock/\xff.mid"));
+    EXPECT_TRUE(exists("Rock/Fill.mid"));
+}
+
+TEST_F(PatternsViewEditingTest, Utf8PassesAsItIs)
+{
+    folder.put("Rock/\xc3\xa4\xe2\x99\xaf.mid");
+    openBrowser();
+    clickStyle("Rock");
+    editPattern("Rock\\\xc3\xa4\xe2\x99\xaf.mid");
+    settle();
+    display->key("End");
+    typeName("x");
+
+    EXPECT_TRUE(exists("Rock/\xc3\xa4\xe2\x99\xafx.mid"));
+}
+
 TEST_F(PatternsViewEditingTest, LengthsAreNotEdited)
 {
     openBrowser();
