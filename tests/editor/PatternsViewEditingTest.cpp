@@ -164,6 +164,8 @@ TEST_F(PatternsViewEditingTest, AChangeOfTheLibraryWaitsForTheUserToFinish)
 {
     openBrowser();
     clickStyle("Rock");
+    clickPattern("Rock\\Intro.mid");
+    browser->effect.SetPatternName("Groove");
     editPattern("Rock\\Intro.mid");
     settle();
     display->type("Fi");
@@ -171,12 +173,14 @@ TEST_F(PatternsViewEditingTest, AChangeOfTheLibraryWaitsForTheUserToFinish)
     folder.put("Rock/New.mid");
     rescan();
     EXPECT_NE(browser->patterns().editedItem(), 0u);
+    EXPECT_EQ(BrowserWindow::selected(browser->patterns()), Names{"Rock\\Intro.mid"});
 
     typeName("ll");
 
     EXPECT_TRUE(exists("Rock/Fill.mid"));
     EXPECT_TRUE(until([&] { return browser->patterns().items().size() == 3; }));
     EXPECT_NE(BrowserWindow::find(browser->patterns(), "Rock\\New.mid"), 0u);
+    EXPECT_EQ(BrowserWindow::selected(browser->patterns()), Names{"Rock\\Groove.mid"});
 }
 
 TEST_F(PatternsViewEditingTest, EditingEndsWithThePatternThatHasGone)
