@@ -30,7 +30,7 @@ std::string numbered(const std::string& name, int number)
 std::string reserveFile(const std::string& folder, const std::string& name)
 {
     for (int number = 0; number < kMostNumbers; ++number) {
-        const std::string path = folder + numbered(name, number) + ".mid";
+        std::string path = folder + numbered(name, number) + ".mid";
         if (platform::Descriptor(
                 ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode)))
             return path;
@@ -71,7 +71,7 @@ bool isLibraryName(const std::string& name)
 std::string makeStyleFolder(const std::string& folder)
 {
     for (int number = 0; number <= kMostNumbers; ++number) {
-        const std::string name = numbered("New Style", number);
+        std::string name = numbered("New Style", number);
         if (::mkdir((folder + name).c_str(), kFolderMode) == 0)
             return name;
         if (errno != EEXIST)

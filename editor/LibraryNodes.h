@@ -47,6 +47,7 @@ inline toolkit::BrowserItem toItem(const Korvanel::DirectoryTrees::Node* node)
 
 inline Korvanel::DirectoryTrees::Node* toNode(toolkit::BrowserItem item)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): numbers are what a browser has for its items
     return reinterpret_cast<Korvanel::DirectoryTrees::Node*>(item);
 }
 

@@ -15,7 +15,7 @@ using toolkit::BrowserProperty;
 using toolkit::Control;
 using toolkit::DataBrowser;
 using toolkit::ItemData;
-using toolkit::operator""_4cc;
+using toolkit::operator""_4cc; // NOLINT(misc-unused-using-decls): it does not see literals
 
 namespace {
 

@@ -30,7 +30,8 @@ public:
     static constexpr int kStylesBrowser = 99;    ///< control ID
     static constexpr int kPatternsBrowser = 101; ///< control ID
 
-    /// @param looper  not owned. The editor around it needs no word: it follows the effect's own
+    /// @param looper  not owned. The editor around the view is not told anything: it follows the
+    /// effect, as the view does.
     PatternsView(CLooper* looper, CLooperView*);
     PatternsView(const PatternsView&) = delete;
     PatternsView& operator=(const PatternsView&) = delete;
@@ -43,7 +44,8 @@ public:
     void DetachFromWindow();
 
     // What follows does nothing while not attached. To show what plays never plays it anew.
-    void Update();            ///< selects the effect's style and pattern
+    /// Selects the effect's style and pattern.
+    void Update(); // NOLINT(bugprone-virtual-near-miss): the editor listens, and forwards by name
     void UpdatePatternList(); ///< selects the effect's pattern if its style is listed
     /// Shows the library's styles anew, and again the style that was listed, or what is left of its
     /// path. While a name is being edited that waits until the user has finished, unless the edited

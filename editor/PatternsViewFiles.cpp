@@ -11,7 +11,7 @@
 
 using Korvanel::String;
 using toolkit::Menu;
-using toolkit::operator""_4cc;
+using toolkit::operator""_4cc; // NOLINT(misc-unused-using-decls): it does not see literals
 
 namespace {
 

@@ -89,7 +89,7 @@ private:
 
 // Following ---------------------------------------------------------------------------------------
 
-void PatternsView::Update()
+void PatternsView::Update() // NOLINT(bugprone-virtual-near-miss): as in the header
 {
     if (mLoading || mStyles == nullptr)
         return;
@@ -106,7 +106,7 @@ void PatternsView::Update()
 
 void PatternsView::UpdatePatternList()
 {
-    if (mLoading || mStyles == nullptr)
+    if (mLoading || mStyles == nullptr || mChangedMeanwhile) // then that comes with the rest
         return;
     const Playing playing(*mLooper);
     const FlagSet showing(mLoading);

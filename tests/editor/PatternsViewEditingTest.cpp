@@ -122,6 +122,34 @@ TEST_F(PatternsViewEditingTest, AnEmptiedOrUntouchedNameAndEscapeChangeNothing)
     EXPECT_EQ(newBeeps(), 0u);
 }
 
+TEST_F(PatternsViewEditingTest, ANameThatIsNoUtf8StaysUntilAnotherIsTyped)
+{
+    folder.put("Rock/\xff.mid");
+    openBrowser();
+    clickStyle("Rock");
+    editPattern("Rock\\\xff.mid");
+    typeName("");
+    EXPECT_TRUE(exists("Rock/\xff.mid"));
+
+    editPattern("Rock\\\xff.mid");
+    typeName("Fill");
+    EXPECT_FALSE(exists("Rock/\xff.mid"));
+    EXPECT_TRUE(exists("Rock/Fill.mid"));
+}
+
+TEST_F(PatternsViewEditingTest, Utf8PassesAsItIs)
+{
+    folder.put("Rock/\xc3\xa4\xe2\x99\xaf.mid");
+    openBrowser();
+    clickStyle("Rock");
+    editPattern("Rock\\\xc3\xa4\xe2\x99\xaf.mid");
+    settle();
+    display->key("End");
+    typeName("x");
+
+    EXPECT_TRUE(exists("Rock/\xc3\xa4\xe2\x99\xafx.mid"));
+}
+
 TEST_F(PatternsViewEditingTest, LengthsAreNotEdited)
 {
     openBrowser();
@@ -136,6 +164,8 @@ TEST_F(PatternsViewEditingTest, AChangeOfTheLibraryWaitsForTheUserToFinish)
 {
     openBrowser();
     clickStyle("Rock");
+    clickPattern("Rock\\Intro.mid");
+    browser->effect.SetPatternName("Groove");
     editPattern("Rock\\Intro.mid");
     settle();
     display->type("Fi");
@@ -143,12 +173,14 @@ TEST_F(PatternsViewEditingTest, AChangeOfTheLibraryWaitsForTheUserToFinish)
     folder.put("Rock/New.mid");
     rescan();
     EXPECT_NE(browser->patterns().editedItem(), 0u);
+    EXPECT_EQ(BrowserWindow::selected(browser->patterns()), Names{"Rock\\Intro.mid"});
 
     typeName("ll");
 
     EXPECT_TRUE(exists("Rock/Fill.mid"));
     EXPECT_TRUE(until([&] { return browser->patterns().items().size() == 3; }));
     EXPECT_NE(BrowserWindow::find(browser->patterns(), "Rock\\New.mid"), 0u);
+    EXPECT_EQ(BrowserWindow::selected(browser->patterns()), Names{"Rock\\Groove.mid"});
 }
 
 TEST_F(PatternsViewEditingTest, EditingEndsWithThePatternThatHasGone)
