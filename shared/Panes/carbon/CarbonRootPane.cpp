@@ -16,7 +16,6 @@ using Korvanel::Point;
 using Korvanel::Rect;
 using Korvanel::Region;
 using Korvanel::ScopedLock;
-using Korvanel::WindowEvent;
 using toolkit::Event;
 using toolkit::operator""_4cc;
 using toolkit::Status;
