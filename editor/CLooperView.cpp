@@ -227,10 +227,12 @@ void CLooperView::showPatternsChanged()
     const std::shared_ptr<PatternTree> library = CLooper::patternTree();
     if (mPatternsView == nullptr || library == nullptr)
         return;
+    Korvanel::DirectoryTrees::Tree* style = nullptr;
     {
         const Korvanel::ScopedLock hold(library->lock());
-        mPatternsView->UpdateListItems(library->root()->FindTree(mLooper->GetStyleName(), 0));
+        style = library->root()->FindTree(mLooper->GetStyleName(), 0);
     }
+    mPatternsView->UpdateListItems(style); // with the lock open: it takes others before this one
     mPatternsView->UpdatePatternList();
 }
 
