@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 using Korvanel::ScopedLock;
-using Korvanel::String;
 using Korvanel::DirectoryTrees::Leaf;
 using Korvanel::DirectoryTrees::Tree;
 
@@ -318,7 +317,7 @@ TEST_F(PatternsViewTest, OnlyTheListedStyleIsDeselected)
     browser->selectStyle("Rock");
     const auto jazz = BrowserWindow::find(browser->styles(), "Jazz");
 
-    browser->view.DeselectTree(reinterpret_cast<Tree*>(jazz));
+    browser->view.DeselectTree(static_cast<Tree*>(toNode(jazz)));
     EXPECT_EQ(browser->listed(), folder / "Rock/");
 
     browser->styles().setSelectedItems({}, toolkit::DataBrowser::Assign::assign);
