@@ -64,7 +64,7 @@ CLooperView::CLooperView(CLooper* looper)
 
 CLooperView::~CLooperView()
 {
-    remove();
+    CLooperView::remove(); // this class's own
     if (mLooper != nullptr)
         mLooper->RemoveLooperListener(this);
 }

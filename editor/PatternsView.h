@@ -20,7 +20,7 @@ class Window;
 /// Shows the nodes of the shared library, each of which it holds while it is shown. Library paths
 /// have backslashes, paths on the disk slashes. Thread: user interface, which is also where changes
 /// of the library are handed over while a window is open.
-class PatternsView : public CLooper::Listener
+class PatternsView final : public CLooper::Listener
 {
 public:
     using Node = Korvanel::DirectoryTrees::Node;
