@@ -1,0 +1,141 @@
+#include "host/vst3/LooperProcessor.h"
+
+#include "host/bridge/Programs.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr int kReportsPerSecond = 20; ///< as fast as somebody can see
+
+} // namespace
+
+LooperProcessor::LooperProcessor()
+    : AudioProcessor(BusesProperties())
+{
+    for (std::size_t index = 0; index < mParameters.size(); ++index) {
+        auto parameter = std::make_unique<HostParameter>(mBridge.parameters(), index);
+        mParameters[index] = parameter.get();
+        addParameter(parameter.release());
+    }
+    startTimerHz(kReportsPerSecond);
+}
+
+LooperProcessor::~LooperProcessor()
+{
+    stopTimer();
+    if (mActive)
+        mBridge.deactivate();
+}
+
+// Life --------------------------------------------------------------------------------------------
+
+void LooperProcessor::prepareToPlay(double sampleRate, int)
+{
+    releaseResources(); // some hosts prepare twice
+    mSink.prepare();
+    mPlayHead.prepare();
+    mBridge.prepare(sampleRate);
+    mBridge.activate();
+    mActive = true;
+}
+
+void LooperProcessor::releaseResources()
+{
+    if (mActive.exchange(false))
+        mBridge.deactivate();
+}
+
+// The audio thread --------------------------------------------------------------------------------
+
+void LooperProcessor::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi)
+{
+    mBridge.setBypassed(false);
+    play(audio.getNumSamples(), midi);
+}
+
+void LooperProcessor::processBlockBypassed(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi)
+{
+    mBridge.setBypassed(true);
+    play(audio.getNumSamples(), midi);
+}
+
+void LooperProcessor::play(int frames, juce::MidiBuffer& midi)
+{
+    mSink.clear();
+    mBridge.beginBlock(static_cast<std::uint32_t>(std::max(frames, 0)), mSink);
+    takePosition();
+    for (const juce::MidiMessageMetadata message : midi)
+        mBridge.message(static_cast<std::uint32_t>(std::max(message.samplePosition, 0)),
+                        {message.data, static_cast<std::size_t>(message.numBytes)});
+    mBridge.endBlock();
+    mSink.swapInto(midi);
+    if (mBridge.wantsWork())
+        mWorker.wake();
+}
+
+void LooperProcessor::takePosition()
+{
+    if (juce::AudioPlayHead* host = getPlayHead(); host != nullptr)
+        if (const auto info = host->getPosition())
+            mBridge.position(0, mPlayHead.read(*info));
+}
+
+// Other threads -----------------------------------------------------------------------------------
+
+int LooperProcessor::getCurrentProgram()
+{
+    return std::min(currentProgram(mBridge.effect()).value_or(kPrograms), kPrograms);
+}
+
+void LooperProcessor::setCurrentProgram(int program)
+{
+    if (program < kPrograms)
+        selectProgram(mBridge.effect(), program);
+}
+
+const juce::String LooperProcessor::getProgramName(int program)
+{
+    if (program >= kPrograms)
+        return "No Program";
+    const auto found = findProgram(mBridge.effect(), program);
+    return found ? juce::String::fromUTF8(found->pattern.c_str()) : juce::String();
+}
+
+void LooperProcessor::getStateInformation(juce::MemoryBlock& state)
+{
+    const std::string chunk = mBridge.saveState();
+    state.replaceAll(chunk.data(), chunk.size());
+}
+
+void LooperProcessor::setStateInformation(const void* state, int size)
+{
+    if (size <= 0 ||
+        !mBridge.loadState({static_cast<const char*>(state), static_cast<std::size_t>(size)}))
+        juce::Logger::writeToLog(
+            "Korvanel Looper: the saved state is damaged; nothing of it is used");
+    reportChanges(); // while the wrapper knows that the host itself has caused them
+}
+
+void LooperProcessor::reportChanges()
+{
+    const std::unique_lock hold(mReporting, std::try_to_lock);
+    if (!hold.owns_lock())
+        return; // what is new meanwhile is told next time
+    mBridge.parameters().reportChanges(
+        [this](std::size_t index, int value) { mParameters[index]->report(value); });
+    const std::uint32_t pattern = mBridge.effect().patternRevision();
+    if (pattern != std::exchange(mKnownPattern, pattern))
+        updateHostDisplay(ChangeDetails().withProgramChanged(true));
+}
+
+/// What every wrapper of JUCE's calls for a new instance.
+juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
+
+juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
+{
+    return new LooperProcessor;
+}
