@@ -9,7 +9,10 @@
 
 namespace {
 
-constexpr int kReportsPerSecond = 20; ///< as fast as somebody can see
+juce::String text(const Korvanel::String& name)
+{
+    return juce::String::fromUTF8(name.c_str());
+}
 
 } // namespace
 
@@ -21,12 +24,10 @@ LooperProcessor::LooperProcessor()
         mParameters[index] = parameter.get();
         addParameter(parameter.release());
     }
-    startTimerHz(kReportsPerSecond);
 }
 
 LooperProcessor::~LooperProcessor()
 {
-    stopTimer();
     if (mActive)
         mBridge.deactivate();
 }
@@ -102,7 +103,7 @@ const juce::String LooperProcessor::getProgramName(int program)
     if (program >= kPrograms)
         return "No Program";
     const auto found = findProgram(mBridge.effect(), program);
-    return found ? juce::String::fromUTF8(found->pattern.c_str()) : juce::String();
+    return found ? text(found->pattern).upToLastOccurrenceOf(".mid", false, true) : juce::String();
 }
 
 void LooperProcessor::getStateInformation(juce::MemoryBlock& state)
@@ -117,18 +118,17 @@ void LooperProcessor::setStateInformation(const void* state, int size)
         !mBridge.loadState({static_cast<const char*>(state), static_cast<std::size_t>(size)}))
         juce::Logger::writeToLog(
             "Korvanel Looper: the saved state is damaged; nothing of it is used");
-    reportChanges(); // while the wrapper knows that the host itself has caused them
+    // A host asks for everything after it has loaded a project.
+    mBridge.parameters().reportChanges([](std::size_t, int) {});
+    mKnownPattern = mBridge.effect().patternRevision();
 }
 
 void LooperProcessor::reportChanges()
 {
-    const std::unique_lock hold(mReporting, std::try_to_lock);
-    if (!hold.owns_lock())
-        return; // what is new meanwhile is told next time
     mBridge.parameters().reportChanges(
         [this](std::size_t index, int value) { mParameters[index]->report(value); });
     const std::uint32_t pattern = mBridge.effect().patternRevision();
-    if (pattern != std::exchange(mKnownPattern, pattern))
+    if (pattern != mKnownPattern.exchange(pattern))
         updateHostDisplay(ChangeDetails().withProgramChanged(true));
 }
 

@@ -11,14 +11,13 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 
 /// It has MIDI in and out and no audio: a host that is offered an output takes a plug-in for an
 /// instrument, and one that sees none puts it before the track's instrument, where it belongs.
 ///
 /// The wrapper keeps the bypass switch, beside the chunk in a project and not in it, so that other
 /// formats load the chunk.
-class LooperProcessor final : public juce::AudioProcessor, private juce::Timer
+class LooperProcessor final : public juce::AudioProcessor
 {
 public:
     /// Programs are those of MIDI; one more stands for a pattern that is none of its style's.
@@ -64,12 +63,11 @@ public:
 
     juce::AudioProcessorEditor* createEditor() override { return nullptr; }
 
-    /// Tells the host of what others have changed. Thread: not audio
+    /// Tells the host of what others have changed. [ui thread]; that is the host's own only while
+    /// an editor is open, so nobody calls this without one.
     void reportChanges();
 
 private:
-    void timerCallback() override { reportChanges(); }
-
     void play(int frames, juce::MidiBuffer& midi);
     void takePosition();
 
@@ -78,7 +76,6 @@ private:
     PlayHeadReader mPlayHead;
     MidiBufferSink mSink;
     std::atomic<bool> mActive{false};
-    std::mutex mReporting;
-    std::uint32_t mKnownPattern = 0;                      ///< to the host; a revision
+    std::atomic<std::uint32_t> mKnownPattern{0};          ///< to the host; a revision
     BackgroundWorker mWorker{[this] { mBridge.work(); }}; ///< goes first
 };
