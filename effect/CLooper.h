@@ -19,6 +19,11 @@
 
 class PatternTree;
 
+namespace Korvanel {
+class GraphicsContext;
+struct Rect;
+} // namespace Korvanel
+
 /// Process-wide number of live effects.
 extern std::atomic<std::int32_t> g_lComponents;
 
@@ -143,6 +148,16 @@ public:
                     IMfxTempoMap* tempoMap, IMfxKeySigMap* keySigMap) KV_EXCLUDES(mEdit);
     void save_track(Korvanel::OutputStream& stream) const
         KV_EXCLUDES(mEdit); ///< the pattern as it was loaded
+
+    // For the editor, and defined with it
+    /// Draws the loaded pattern as a piano roll, in pixels of the context. Thread: [ui thread], as
+    /// the next two.
+    void DrawEvents(Korvanel::GraphicsContext& g, const Korvanel::Rect& r) KV_EXCLUDES(mEdit);
+    /// Starts a drag of the pattern as a MIDI file, from the control in which a mouse button is
+    /// held. Where that fails, nothing happens.
+    void DragEvents();
+    /// Writes the pattern as a MIDI file onto the desktop, beside what is there.
+    void ExportEvents();
 
     // Parameters: stored as given; the ranges are the editor's
     NumRange getDnDRepeat() const;

@@ -39,7 +39,10 @@ void NullMidiContext::GetBar(std::int32_t at, int* bar, int* beat, int* tick)
 
 void MidiEffectEditor::getEditorSize(int*, int*) {}
 
-void MidiEffectEditor::attach(void*, int, int) {}
+std::int32_t MidiEffectEditor::attach(void*, int, int)
+{
+    return 0;
+}
 
 void MidiEffectEditor::remove() {}
 

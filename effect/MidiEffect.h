@@ -47,8 +47,10 @@ class MidiEffectEditor
 public:
     virtual ~MidiEffectEditor() = default;
     virtual void getEditorSize(int* width, int* height); ///< pixels
-    virtual void attach(void* parentWindow, int x, int y);
-    virtual void remove();
+    /// Shows the window. @param host  what the editor says that it takes; the base does nothing
+    /// @return 0, or what went wrong as the platform numbers it
+    virtual std::int32_t attach(void* host, int x, int y);
+    virtual void remove(); ///< takes the window down; the editor stays
 };
 
 /// A MIDI effect. The host creates one, then calls Initialize, any number of the others, Terminate,

@@ -10,6 +10,7 @@ enum class ExitCode : int {
     CannotWrite = 3, ///< the output cannot be written
     NoMidi = 4,      ///< there is no MIDI system or no such port
     NoBundle = 5,    ///< the plug-in cannot be loaded
+    NoDisplay = 6,   ///< there is no screen for a window
 };
 
 class CommandError : public std::runtime_error

@@ -1,5 +1,6 @@
 // The command line: a host for the plug-in.
 #include "host/cli/CommandError.h"
+#include "host/cli/EditCommand.h"
 #include "host/cli/LibraryCommand.h"
 #include "host/cli/PlayCommand.h"
 #include "host/cli/RenderCommand.h"
@@ -31,6 +32,7 @@ int run(int argc, char** argv)
     addShowCommand(app);
     addLibraryCommand(app);
     addStateCommand(app);
+    addEditCommand(app);
     try {
         app.parse(argc, argv);
         return 0;

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <filesystem>
+#include <link.h>
 #include <system_error>
 
 namespace platform {
@@ -9,12 +10,15 @@ namespace platform {
 std::optional<std::string> pathOfImageAt(const void* address)
 {
     Dl_info info{};
-    if (::dladdr(address, &info) == 0 || info.dli_fname == nullptr)
+    link_map* image = nullptr;
+    if (::dladdr1(address, &info, reinterpret_cast<void**>(&image), RTLD_DL_LINKMAP) == 0 ||
+        info.dli_fname == nullptr)
         return std::nullopt;
-    const std::string name = info.dli_fname;
-    // The loader knows the main program only by the name it was started with.
-    if (name.find('/') == std::string::npos)
+    // The main program is nameless here: what the loader has is the name it was started with, which
+    // may be a link from anywhere.
+    if (image != nullptr && *image->l_name == 0)
         return pathOfMainProgram();
+    const std::string name = info.dli_fname;
     std::error_code error;
     const auto path = std::filesystem::absolute(name, error);
     return error ? std::string() : path.lexically_normal().string();

@@ -5,8 +5,8 @@
 
 namespace platform {
 
-/// The absolute path, symbolic links kept, of the file whose loaded image holds `address`; ""
-/// when that file cannot be told; nothing when no image holds it.
+/// The absolute path, symbolic links kept but for the main program's, of the file whose loaded
+/// image holds `address`; "" when that file cannot be told; nothing when no image holds it.
 std::optional<std::string> pathOfImageAt(const void* address);
 
 /// The absolute path of the program that the process runs; "" when it cannot be told.

@@ -109,6 +109,18 @@ bool replaceWholeFile(const std::string& path, const std::string& text)
     return true;
 }
 
+FileCreation createWholeFile(const std::string& path, const std::string& text)
+{
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file)
+        return errno == EEXIST ? FileCreation::Exists : FileCreation::Failed;
+    // A disk may report as late as at the end that it is full.
+    if (writeAll(file, text) && ::fsync(file.get()) == 0 && file.close())
+        return FileCreation::Done;
+    ::unlink(path.c_str());
+    return FileCreation::Failed;
+}
+
 std::string endOfLinks(const std::string& path)
 {
     std::filesystem::path end(path);

@@ -19,6 +19,12 @@ FileRead readWholeFile(const std::string& path, std::size_t limit, std::string& 
 /// @return false when it could not be written; the old content is then untouched
 bool replaceWholeFile(const std::string& path, const std::string& text);
 
+enum class FileCreation { Done, Exists, Failed };
+
+/// Makes a file that was not there, with `text` in it. Whatever has the name already, also a link
+/// that leads nowhere, is left alone. When the text does not fit, no file remains.
+FileCreation createWholeFile(const std::string& path, const std::string& text);
+
 /// Where a chain of symbolic links that starts at `path` ends, whether something is there or not;
 /// `path` itself when it is no link; "" for a chain without end.
 std::string endOfLinks(const std::string& path);

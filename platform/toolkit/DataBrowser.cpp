@@ -236,7 +236,9 @@ void DataBrowser::stopEditing(bool keep)
     ItemData data(impl.editedColumn);
     data.setText(impl.list->endEditing());
     // An untouched or emptied name is no new one.
-    const bool isNew = !data.text().empty() && data.text() != impl.textOf(item, impl.editedColumn);
+    // What is no UTF-8 was edited as it was shown.
+    const auto shown = native::toJuce(impl.textOf(item, impl.editedColumn)).toStdString();
+    const bool isNew = !data.text().empty() && data.text() != shown;
     if (keep && isNew && impl.callbacks.itemData)
         impl.callbacks.itemData(impl.control, item, impl.editedColumn, data, true);
     impl.notify(item, BrowserMessage::editStopped);

@@ -20,6 +20,11 @@ juce::StringArray urlsOf(const Pasteboard& pasteboard)
 
 } // namespace
 
+Control* pressedControl()
+{
+    return native::pressedUserPane();
+}
+
 Status startDrag(Control& source, const Pasteboard& pasteboard, std::function<void()> finished)
 {
     auto& control = source.impl();

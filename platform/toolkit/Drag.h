@@ -9,6 +9,9 @@ namespace toolkit {
 
 class Control;
 
+/// The user pane in which a mouse button is held, from which a drag can start; null for none.
+Control* pressedControl();
+
 /// Starts a drag that offers the pasteboard's files (flavour `fileUrlFlavor`) as a text/uri-list to
 /// copy. Called while a mouse button is held in the control, as a rule from its 'mous' 6; from then
 /// on the pointer belongs to the drag, and the control hears of no mouse-up.

@@ -50,6 +50,8 @@ private:
     const PixelSource& mSource;
 };
 
+Control::Impl* sPressed = nullptr; ///< in which a mouse button is held
+
 class Pane final : public juce::Component
 {
 public:
@@ -58,6 +60,12 @@ public:
     {
         setWantsKeyboardFocus(true);
         setOpaque(true);
+    }
+
+    ~Pane() override
+    {
+        if (sPressed == &mControl)
+            sPressed = nullptr;
     }
 
     void paint(juce::Graphics& g) override
@@ -81,10 +89,15 @@ public:
             mControl.contextualClick(event.getPosition()) != eventNotHandledErr)
             return;
         mPressed = buttonBits(event.mods);
+        sPressed = &mControl;
         sendMouse(1, event);
     }
 
-    void mouseUp(const juce::MouseEvent& event) override { sendMouse(2, event); }
+    void mouseUp(const juce::MouseEvent& event) override
+    {
+        sPressed = nullptr;
+        sendMouse(2, event);
+    }
 
     void mouseMove(const juce::MouseEvent& event) override { sendMouse(5, event); }
 
@@ -200,6 +213,11 @@ public:
 };
 
 } // namespace
+
+Control* pressedUserPane()
+{
+    return sPressed == nullptr ? nullptr : &sPressed->control;
+}
 
 std::unique_ptr<ControlView> makeUserPane(Control::Impl& control)
 {

@@ -331,11 +331,14 @@ Status Window::savePicture(const std::string& path) const
     auto& root = *mImpl->root;
     const auto pixels = static_cast<float>(scaleFactor() / mImpl->scale);
     const auto image = root.createComponentSnapshot(root.getLocalBounds(), true, pixels);
-    const juce::File file(native::toJuce(path));
-    file.deleteFile();
-    juce::FileOutputStream stream(file);
-    return stream.openedOk() && juce::PNGImageFormat().writeImageToStream(image, stream) ? noErr
-                                                                                         : paramErr;
+    const auto file = juce::File::getCurrentWorkingDirectory().getChildFile(native::toJuce(path));
+    const juce::TemporaryFile beside(file);
+    {
+        juce::FileOutputStream stream(beside.getFile());
+        if (!stream.openedOk() || !juce::PNGImageFormat().writeImageToStream(image, stream))
+            return paramErr;
+    }
+    return beside.overwriteTargetFileWithTemporary() ? noErr : paramErr;
 }
 
 std::shared_ptr<void> Window::keepAlive()

@@ -13,7 +13,7 @@ FLOORS = {
     # Its folders are read and watched by the lowest floor; nothing else of it reaches up here.
     "library": ["midi", "shared/System", "platform/os"],
     "effect": ["library", "midi", "shared/System"],
-    "editor": ["effect", "library", "midi", "shared/Panes", "shared/System", "platform/toolkit"],
+    "editor": ["effect", "library", "midi", "shared/Panes", "shared/System", "platform/toolkit", "platform/os"],
 }
 TOOLKITS = re.compile(r'^\s*#\s*include\s*[<"](juce|X11|lv2|gtest|alsa)', re.M)
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)

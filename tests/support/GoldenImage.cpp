@@ -1,5 +1,6 @@
 #include "tests/support/GoldenImage.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <png.h>
@@ -54,7 +55,9 @@ bool load(const std::string& path, Picture& picture)
 /// What was drawn instead, kept for whoever looks into the failure.
 testing::AssertionResult differs(const std::string& name, const Picture& drawn)
 {
-    const auto kept = std::filesystem::temp_directory_path() / (name + "-drawn.png");
+    std::string file = name + "-drawn.png";
+    std::replace(file.begin(), file.end(), '/', '-');
+    const auto kept = std::filesystem::temp_directory_path() / file;
     save(kept.string(), drawn);
     return testing::AssertionFailure() << name << " differs; drawn: " << kept;
 }

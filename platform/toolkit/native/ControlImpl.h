@@ -81,6 +81,9 @@ std::unique_ptr<ControlView> makeGroupBox(Control::Impl& control);
 std::unique_ptr<ControlView> makeUserPane(Control::Impl& control);
 std::unique_ptr<ControlView> makeDataBrowser(Control::Impl& control);
 
+/// The user pane in which a mouse button is held; null for none.
+Control* pressedUserPane();
+
 // Between the toolkit's types and the library's.
 inline juce::Rectangle<int> toJuce(const Rect& r)
 {

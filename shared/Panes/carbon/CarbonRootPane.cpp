@@ -16,7 +16,6 @@ using Korvanel::Point;
 using Korvanel::Rect;
 using Korvanel::Region;
 using Korvanel::ScopedLock;
-using Korvanel::WindowEvent;
 using toolkit::Event;
 using toolkit::operator""_4cc;
 using toolkit::Status;
@@ -94,6 +93,8 @@ CarbonRootPane::~CarbonRootPane()
 
 void CarbonRootPane::AttachTo(toolkit::Window& window, const Rect& place)
 {
+    if (mWindow != nullptr)
+        BeforeDestroy(); // ends what AfterCreate began in the window before
     detach();
     mWindow = window.shared_from_this();
     SetBounds(place);
@@ -186,10 +187,13 @@ void CarbonRootPane::offsetInvalidRegionBy(int dx, int dy)
 void CarbonRootPane::OnDraw(Korvanel::GraphicsContext& g)
 {
     Region drawn;
+    g.GetClipping(drawn);
+    drawn.Offset(-GetBounds().x, -GetBounds().y);
     {
-        // Before the drawing: what is invalidated during it is drawn again.
+        // Before the drawing: what is invalidated during it is drawn again. And only what the clip
+        // lets through: another thread may have added to the region since the clip was made of it.
         const ScopedLock hold(mRegionLock);
-        drawn = std::exchange(mInvalid, Region());
+        mInvalid.Subtract(drawn);
     }
     RootPane::OnDraw(g);
     PRINTLOG("Validate InvalRgn: %d\n", drawn.IsEmpty());

@@ -27,7 +27,8 @@ public:
     CarbonRootPane();
     ~CarbonRootPane() override;
 
-    /// Takes the window's events, and its timer begins. The window is held until Destroy.
+    /// Takes the window's events, and its timer begins. The window is held until Destroy. A
+    /// pane that is attached already leaves its window first, with its sub-panes.
     /// @param place  in the window's points; becomes the pane's bounds
     void AttachTo(toolkit::Window& window, const Korvanel::Rect& place);
 
@@ -43,7 +44,7 @@ public:
     /// @return -1 without a window as well
     int peerShowMenu(const Korvanel::MenuItemList& items, Korvanel::Rect& at) override;
     void* systemWindow() override;
-    /// Afterwards nothing waits to be drawn.
+    /// Afterwards nothing in the clip waits to be drawn.
     void OnDraw(Korvanel::GraphicsContext& g) override;
 
     bool CaptureMouse() const override { return mTracksMouse; }

@@ -2,7 +2,9 @@
 
 #include "platform/toolkit/Window.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace korvanel::macosx::carbon {
 
@@ -102,13 +104,15 @@ void ControlPane::detachControl()
     mControl->removeHandler(mControlHandler);
     mControl = nullptr;
     mPicture = nullptr;
+    mAnnounced = Region();
 }
 
 // Drawing -----------------------------------------------------------------------------------------
 
 void ControlPane::preparePicture()
 {
-    const int percent = static_cast<int>(std::lround(window()->scaleFactor() * 100));
+    const int percent =
+        std::clamp(static_cast<int>(std::lround(window()->scaleFactor() * 100)), 100, 400);
     const toolkit::SurfaceRect wanted{0, 0, GetBounds().width, GetBounds().height};
     if (mPicture != nullptr && mPicture->bounds() == wanted && mPicture->scalePercent() == percent)
         return;
@@ -122,6 +126,8 @@ void ControlPane::bringUpToDate()
     const Region invalid = copyInvalidRegion();
     if (mPicture == nullptr || invalid.IsEmpty())
         return;
+    // The window may have asked for another part than what was invalidated, and shows only that.
+    announce(Region::Difference(invalid, std::exchange(mAnnounced, Region())));
     GraphicsContext g(mPicture.get());
     Region clip = invalid;
     g.SetClipping(clip);
@@ -140,7 +146,14 @@ std::unique_ptr<GraphicsContext> ControlPane::create_graphics_with_offset(Point 
 
 void ControlPane::showInvalid()
 {
-    copyInvalidRegion().platform().visitWithin(
+    const Region invalid = copyInvalidRegion();
+    announce(Region::Difference(invalid, mAnnounced));
+    mAnnounced = invalid;
+}
+
+void ControlPane::announce(const Region& area)
+{
+    area.platform().visitWithin(
         {0, 0, GetBounds().width, GetBounds().height},
         [&](const toolkit::SurfaceRect& part) { mControl->invalidate(toToolkit(toRect(part))); });
 }
@@ -209,6 +222,7 @@ void ControlPane::boundsChanged(const Event& event)
     SetBounds({0, 0, now->width, now->height});
     if (const auto before = event.get<toolkit::Rect>("orct"_4cc))
         offsetInvalidRegionBy(now->x - before->x, now->y - before->y);
+    Invalidate(); // what was drawn directly into the old picture may be in the wrong place
 }
 
 } // namespace korvanel::macosx::carbon

@@ -52,10 +52,12 @@ private:
     void preparePicture();
     void boundsChanged(const toolkit::Event& event);
     void showInvalid();
+    void announce(const Korvanel::Region& area);
     void detachControl();
 
     toolkit::Control* mControl = nullptr;
     toolkit::HandlerId mControlHandler = 0;
+    Korvanel::Region mAnnounced; ///< what the control knows that it has to show again
     std::unique_ptr<toolkit::Surface> mPicture;
 };
 

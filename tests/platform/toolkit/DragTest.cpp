@@ -1,16 +1,11 @@
 #include "platform/toolkit/Drag.h"
 
+#include "tests/platform/toolkit/DropTargetProcess.h"
 #include "tests/platform/toolkit/ToolkitFixture.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
+#include <optional>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 using namespace toolkit;
 
@@ -35,46 +30,14 @@ protected:
         });
     }
 
-    void TearDown() override
+    void startTarget(const std::vector<std::string>& arguments)
     {
-        if (mTarget > 0) {
-            ::kill(mTarget, SIGTERM);
-            ::waitpid(mTarget, nullptr, 0);
-            ::close(mOutput);
-        }
-        ToolkitFixture::TearDown();
-    }
-
-    void startTarget(std::vector<std::string> arguments)
-    {
-        int ends[2] = {-1, -1};
-        ASSERT_EQ(::pipe(ends), 0);
-        arguments.insert(arguments.begin(), KV_DROP_TARGET);
-        std::vector<char*> pointers;
-        for (auto& argument : arguments)
-            pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        ASSERT_EQ(
-            ::posix_spawn(&mTarget, KV_DROP_TARGET, &actions, nullptr, pointers.data(), environ),
-            0);
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::close(ends[1]);
-        mOutput = ends[0];
-        ::fcntl(mOutput, F_SETFL, O_NONBLOCK);
+        target.emplace(arguments);
         ASSERT_TRUE(until([this] { return said("ready"); }));
     }
 
     /// Whether the other program has printed this by now.
-    bool said(const std::string& text)
-    {
-        char bytes[512];
-        for (ssize_t count; (count = ::read(mOutput, bytes, sizeof bytes)) > 0;)
-            mSaid.append(bytes, static_cast<std::size_t>(count));
-        return mSaid.find(text) != std::string::npos;
-    }
+    bool said(const std::string& text) { return target->said(text); }
 
     /// Presses in the pane and moves until the drag has begun.
     void beginDrag()
@@ -92,11 +55,7 @@ protected:
     Status status = noErr;
     int finished = 0;
     int downs = 0;
-
-private:
-    pid_t mTarget = -1;
-    int mOutput = -1;
-    std::string mSaid;
+    std::optional<DropTargetProcess> target;
 };
 
 } // namespace
