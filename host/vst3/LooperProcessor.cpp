@@ -1,6 +1,8 @@
 #include "host/vst3/LooperProcessor.h"
 
+#include "editor/EditorModule.h"
 #include "host/bridge/Programs.h"
+#include "host/vst3/LooperEditor.h"
 
 #include <algorithm>
 #include <memory>
@@ -123,6 +125,11 @@ void LooperProcessor::setStateInformation(const void* state, int size)
     mKnownPattern = mBridge.effect().patternRevision();
 }
 
+juce::AudioProcessorEditor* LooperProcessor::createEditor()
+{
+    return new LooperEditor(*this);
+}
+
 void LooperProcessor::reportChanges()
 {
     mBridge.parameters().reportChanges(
@@ -137,5 +144,6 @@ juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
 {
-    return new LooperProcessor;
+    static const bool installed = (installEditor(), true); // before there is an effect
+    return installed ? new LooperProcessor : nullptr;
 }

@@ -59,9 +59,9 @@ public:
     void getStateInformation(juce::MemoryBlock& state) override;
     void setStateInformation(const void* state, int size) override;
 
-    bool hasEditor() const override { return false; }
+    bool hasEditor() const override { return true; }
 
-    juce::AudioProcessorEditor* createEditor() override { return nullptr; }
+    juce::AudioProcessorEditor* createEditor() override;
 
     /// Tells the host of what others have changed. [ui thread]; that is the host's own only while
     /// an editor is open, so nobody calls this without one.
