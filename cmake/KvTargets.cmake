@@ -31,3 +31,26 @@ function(kv_add_test name)
     target_link_libraries(${name} PRIVATE ${ARG_LINK} kv_flags GTest::gtest_main)
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
+
+# kv_bundle_resources(<target> <bundle folder> [files...])
+# What a plug-in's bundle carries beside its binary. The factory patterns become the user's library where none is
+# installed.
+function(kv_bundle_resources target bundle)
+    file(GLOB_RECURSE patterns CONFIGURE_DEPENDS RELATIVE "${CMAKE_SOURCE_DIR}"
+        "${CMAKE_SOURCE_DIR}/Loops/*/*.mid" "${CMAKE_SOURCE_DIR}/Loops/*/*.txt")
+    set(copies)
+    foreach(file IN LISTS patterns ARGN)
+        set(name "${file}")
+        if(NOT file MATCHES "^Loops/")
+            cmake_path(GET file FILENAME name)
+        endif()
+        set(copy "${bundle}/Contents/Resources/${name}")
+        add_custom_command(
+            OUTPUT "${copy}"
+            COMMAND "${CMAKE_COMMAND}" -E copy "${CMAKE_SOURCE_DIR}/${file}" "${copy}"
+            DEPENDS "${CMAKE_SOURCE_DIR}/${file}"
+            VERBATIM)
+        list(APPEND copies "${copy}")
+    endforeach()
+    add_custom_target(${target} ALL DEPENDS ${copies})
+endfunction()

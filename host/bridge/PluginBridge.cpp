@@ -1,7 +1,7 @@
 #include "host/bridge/PluginBridge.h"
 
+#include "host/bridge/Programs.h"
 #include "host/bridge/UserLibrary.h"
-#include "library/PatternTree.h"
 #include "shared/System/kvException.h"
 #include "shared/System/kvStream.h"
 
@@ -9,10 +9,6 @@
 #include <exception>
 #include <memory>
 #include <utility>
-
-using Korvanel::ScopedLock;
-using Korvanel::String;
-using Korvanel::DirectoryTrees::LeafIterator;
 
 namespace {
 
@@ -221,31 +217,7 @@ void PluginBridge::programChange(int program)
 void PluginBridge::work()
 {
     if (const int program = mProgram.exchange(-1, std::memory_order_relaxed); program >= 0)
-        selectProgram(program);
-}
-
-void PluginBridge::selectProgram(int program)
-{
-    const std::shared_ptr<PatternTree> library = CLooper::patternTree();
-    if (library == nullptr)
-        return;
-    String style = mEffect.GetStyleName();
-    String pattern;
-    {
-        const ScopedLock hold(library->lock());
-        Korvanel::DirectoryTrees::Tree* root = library->root();
-        const Korvanel::DirectoryTrees::Node* node =
-            root == nullptr ? nullptr : LeafIterator::findFirst(root->FindTree(style, 0));
-        if (node == nullptr)
-            return;
-        style = node->parent()->PathName(root);
-        for (; program > 0 && node != nullptr; --program)
-            node = node->next();
-        if (node == nullptr)
-            return; // the style has fewer patterns
-        pattern = node->name();
-    }
-    mEffect.ChangePattern(style.c_str(), pattern.c_str());
+        selectProgram(mEffect, program);
 }
 
 std::string PluginBridge::saveState()

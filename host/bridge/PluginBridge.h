@@ -69,7 +69,6 @@ public:
 
 private:
     void programChange(int program) override;
-    void selectProgram(int program);
 
     bool audible() const;
     void checkSilence();
