@@ -4,6 +4,7 @@
 #define KV_LV2_URI "https://korvanel.org/lv2/looper"
 
 constexpr const char* kLv2Uri = KV_LV2_URI;
+constexpr const char* kLv2UiUri = KV_LV2_URI "#ui";
 constexpr const char* kLv2StateUri = KV_LV2_URI "#state"; ///< the effect's chunk
 
 /// Ports; the parameters follow in the order of their table.

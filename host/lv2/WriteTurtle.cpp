@@ -1,5 +1,6 @@
 // Writes the bundle's Turtle from the table of parameters, while the plug-in is built.
-//   write_turtle FOLDER BINARY     BINARY is the plug-in's path inside the bundle
+//   write_turtle FOLDER BINARY [window]
+// BINARY is the plug-in's path inside the bundle; with the last word it has a window too.
 #include "host/bridge/Parameters.h"
 #include "host/lv2/Lv2Names.h"
 
@@ -14,11 +15,13 @@ constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/ato
 @prefix log: <http://lv2plug.in/ns/ext/log#> .
 @prefix lv2: <http://lv2plug.in/ns/lv2core#> .
 @prefix midi: <http://lv2plug.in/ns/ext/midi#> .
+@prefix opts: <http://lv2plug.in/ns/ext/options#> .
 @prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .
 @prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
 @prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
 @prefix state: <http://lv2plug.in/ns/ext/state#> .
 @prefix time: <http://lv2plug.in/ns/ext/time#> .
+@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .
 @prefix units: <http://lv2plug.in/ns/extensions/units#> .
 @prefix urid: <http://lv2plug.in/ns/ext/urid#> .
 @prefix work: <http://lv2plug.in/ns/ext/worker#> .
@@ -35,6 +38,15 @@ constexpr const char* kPlugin = R"(    a lv2:Plugin , lv2:MIDIPlugin ;
     lv2:optionalFeature lv2:hardRTCapable , work:schedule , state:threadSafeRestore , log:log ;
     lv2:extensionData state:interface , work:interface ;
     lv2:port )";
+
+// Without the idle interface the window would never move, and without the instance it has nothing
+// to show: a host that runs windows in another process can have none.
+constexpr const char* kWindow = R"(    a ui:X11UI ;
+    lv2:requiredFeature ui:parent , ui:idleInterface , <http://lv2plug.in/ns/ext/instance-access> ;
+    lv2:optionalFeature ui:resize , opts:options , urid:map , log:log ;
+    lv2:extensionData ui:idleInterface , ui:resize ;
+    opts:supportedOption ui:scaleFactor .
+)";
 
 constexpr const char* kInPort = R"([
         a lv2:InputPort , atom:AtomPort ;
@@ -103,41 +115,52 @@ void writeParameter(std::ostream& out, const Parameter& parameter, std::size_t p
     out << "\n    ]";
 }
 
-void writePlugin(std::ostream& out)
+void writePlugin(std::ostream& out, bool hasWindow)
 {
-    out << kPrefixes << '<' << kLv2Uri << ">\n"
-        << kPlugin << kInPort << " , " << kOutPort << " , " << kEnabledPort;
+    out << kPrefixes << '<' << kLv2Uri << ">\n";
+    if (hasWindow)
+        out << "    ui:ui <" << kLv2UiUri << "> ;\n";
+    out << kPlugin << kInPort << " , " << kOutPort << " , " << kEnabledPort;
     std::size_t port = kLv2FirstParameter;
     for (const Parameter& parameter : Parameters::table()) {
         out << " , ";
         writeParameter(out, parameter, port++);
     }
     out << " .\n";
+    if (hasWindow)
+        out << "\n<" << kLv2UiUri << ">\n" << kWindow;
 }
 
-void writeManifest(std::ostream& out, const std::string& binary)
+void writeManifest(std::ostream& out, const std::string& binary, bool hasWindow)
 {
     out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
-        << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n\n"
+        << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n"
+        << "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n\n"
         << '<' << kLv2Uri << ">\n"
         << "    a lv2:Plugin ;\n"
         << "    lv2:binary <" << binary << "> ;\n"
         << "    rdfs:seeAlso <Looper.ttl> .\n";
+    if (hasWindow)
+        out << "\n<" << kLv2UiUri << ">\n"
+            << "    a ui:X11UI ;\n"
+            << "    lv2:binary <" << binary << "> ;\n"
+            << "    rdfs:seeAlso <Looper.ttl> .\n";
 }
 
 } // namespace
 
 int main(int count, char** arguments)
 {
-    if (count != 3) {
-        std::cerr << "write_turtle FOLDER BINARY\n";
+    const bool hasWindow = count == 4 && std::string(arguments[3]) == "window";
+    if (count != 3 && !hasWindow) {
+        std::cerr << "write_turtle FOLDER BINARY [window]\n";
         return 1;
     }
     const std::string folder = arguments[1];
     std::ofstream manifest(folder + "/manifest.ttl");
-    writeManifest(manifest, arguments[2]);
+    writeManifest(manifest, arguments[2], hasWindow);
     std::ofstream plugin(folder + "/Looper.ttl");
-    writePlugin(plugin);
+    writePlugin(plugin, hasWindow);
     manifest.close();
     plugin.close();
     return manifest && plugin ? 0 : 1;

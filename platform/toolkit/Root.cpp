@@ -99,6 +99,7 @@ void Root::resized()
     if (!fits(mContent.getWidth(), getWidth()) || !fits(mContent.getHeight(), getHeight()))
         mContent.setSize(static_cast<int>(std::lround(getWidth() / mScale)),
                          static_cast<int>(std::lround(getHeight() / mScale)));
+    repaint(); // what grew was asked for at the old size, and cut off there
     if (!mWindow)
         return;
     auto& impl = mWindow->impl();

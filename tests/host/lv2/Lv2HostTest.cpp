@@ -3,6 +3,8 @@
 #include "tests/support/Guards.h"
 
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <thread>
 
@@ -202,6 +204,24 @@ TEST_F(InLv2Host, NothingIsLeftBehindWhenItGoes)
     }
     EXPECT_EQ(entriesIn("/proc/self/task"), threads);
     EXPECT_EQ(entriesIn("/proc/self/fd"), descriptors);
+}
+
+// Effect and editor share one binary, so that they share the library and the thread that watches
+// it; the window system must come with the first window only, for servers that play have none.
+TEST_F(InLv2Host, PlayingLoadsNoWindowSystem)
+{
+    Lv2Instance first(*world);
+    Lv2Instance second(*world, 48000, false);
+    choose(first, 0);
+    first.playAt(0, 0, 0);
+    first.run(30000);
+    second.run(30000);
+    ASSERT_EQ(first.take().size(), 2u);
+    std::ifstream maps("/proc/self/maps");
+    const std::string all(std::istreambuf_iterator<char>(maps), {});
+    EXPECT_NE(all.find("Looper.so"), std::string::npos);
+    EXPECT_EQ(all.find("libX11"), std::string::npos);
+    EXPECT_EQ(all.find("libxcb"), std::string::npos);
 }
 
 TEST(Lv2Library, AnInstallationWithoutPatternsFillsTheUsersLibrary)
