@@ -1,6 +1,7 @@
 // The controls of the editor's window, bound to the effect.
 #include "editor/CLooperView.h"
 #include "editor/EventView.h"
+#include "editor/LibraryFiles.h"
 #include "editor/PatternsView.h"
 #include "library/PatternTree.h"
 #include "platform/toolkit/Beep.h"
@@ -8,7 +9,6 @@
 #include <array>
 #include <cstdio>
 #include <string>
-#include <sys/stat.h>
 
 using toolkit::Control;
 using toolkit::ControlPart;
@@ -125,15 +125,6 @@ bool NumEdit_KeyFilter(Control& control, const KeyStroke& key)
 }
 
 void NumEdit_TextValidation(Control&) {}
-
-bool exists(const std::string& path)
-{
-    struct stat info
-    {
-    };
-
-    return ::lstat(path.c_str(), &info) == 0;
-}
 
 void refreshLibrary()
 {
@@ -271,20 +262,9 @@ void CLooperView::DeletePattern()
 
 void CLooperView::AddStyle()
 {
-    constexpr int kMostNames = 1000;
-    const std::string folder = mPatternsView->GetCurrentlySelectedStyle().c_str();
-    if (folder.empty())
-        return;
-    const std::string base = folder + "new style";
-    std::string candidate = base;
-    for (int n = 1; n <= kMostNames; ++n) {
-        if (!exists(candidate)) {
-            ::mkdir(candidate.c_str(), 0777);
-            refreshLibrary();
-            return;
-        }
-        candidate = base + " " + std::to_string(n);
-    }
+    const Korvanel::String folder = mPatternsView->GetCurrentlySelectedStyle();
+    if (!folder.IsEmpty() && !makeStyleFolder(folder.c_str(), "new style", 999).empty())
+        refreshLibrary();
 }
 
 void CLooperView::DeleteStyle()

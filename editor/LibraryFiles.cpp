@@ -68,12 +68,12 @@ bool isLibraryName(const std::string& name)
            name.find_first_of(std::string_view("/\\\0", 3)) == std::string::npos;
 }
 
-std::string makeStyleFolder(const std::string& folder)
+std::string makeStyleFolder(const std::string& folder, const std::string& name, int last)
 {
-    for (int number = 0; number <= kMostNumbers; ++number) {
-        std::string name = numbered("New Style", number);
-        if (::mkdir((folder + name).c_str(), kFolderMode) == 0)
-            return name;
+    for (int number = 0; number <= last; ++number) {
+        std::string free = numbered(name, number);
+        if (::mkdir((folder + free).c_str(), kFolderMode) == 0)
+            return free;
         if (errno != EEXIST)
             return {};
     }

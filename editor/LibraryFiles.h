@@ -9,10 +9,11 @@
 /// backslash), no NUL, and no point at the start, as the library does not show such a name.
 bool isLibraryName(const std::string& name);
 
-/// Makes a folder "New Style" in `folder`, or "New Style 1" to "New Style 1000" beside others.
+/// Makes a folder of the name in `folder`, or "name 1" to "name `last`" beside others.
 /// @param folder  with its trailing slash
 /// @return its name; "" when none could be made
-std::string makeStyleFolder(const std::string& folder);
+std::string makeStyleFolder(const std::string& folder, const std::string& name = "New Style",
+                            int last = 1000);
 
 /// Writes a new pattern "name.mid" into `folder`, or "name 1.mid" to "name 999.mid" beside others.
 /// The file is there when it is whole.

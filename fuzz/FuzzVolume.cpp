@@ -13,20 +13,6 @@ using namespace Korvanel;
 
 namespace {
 
-class Collected : public OutputStream
-{
-public:
-    using OutputStream::Write;
-
-    std::uint32_t Write(const void* data, std::uint32_t size) override
-    {
-        bytes.append(static_cast<const char*>(data), size);
-        return size;
-    }
-
-    std::string bytes;
-};
-
 /// A file of the fuzzer's own, in memory where there is one.
 std::string scratchFile()
 {
@@ -40,9 +26,9 @@ std::string scratchFile()
 std::string rewritten(VolumeNode& volume)
 {
     volume.MakeNode();
-    Collected out;
+    stringStream out;
     writeVolume(volume, out);
-    return out.bytes;
+    return out.text();
 }
 
 void write(const std::string& path, const void* data, std::size_t size)

@@ -4,6 +4,13 @@
 
 #include <filesystem>
 
+std::string withoutTrailingSlash(std::string path)
+{
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
 FolderTree::FolderTree(const std::string& folder)
 {
     if (folder.empty())
@@ -12,10 +19,7 @@ FolderTree::FolderTree(const std::string& folder)
     const std::filesystem::directory_iterator opened(folder, error); // says best what is wrong
     if (error)
         throw CommandError(ExitCode::BadPattern, folder + ": " + error.message());
-    std::string path = folder;
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    mRoot = new FolderNode(path.c_str(), nullptr);
+    mRoot = new FolderNode(withoutTrailingSlash(folder).c_str(), nullptr);
     mRoot->MakeNode();
 }
 

@@ -4,6 +4,9 @@
 
 #include <string>
 
+/// "/" alone keeps its own.
+std::string withoutTrailingSlash(std::string path);
+
 class FolderTree
 {
 public:

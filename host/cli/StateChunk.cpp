@@ -8,28 +8,12 @@ namespace {
 constexpr std::int32_t kVersion = 6;
 constexpr std::uint32_t kRandomVelocity = 4;
 
-/// Keeps what is written.
-class ByteStream : public Korvanel::OutputStream
-{
-public:
-    using OutputStream::Write;
-
-    std::uint32_t Write(const void* data, std::uint32_t size) override
-    {
-        const auto* from = static_cast<const std::uint8_t*>(data);
-        bytes.insert(bytes.end(), from, from + size);
-        return size;
-    }
-
-    std::vector<std::uint8_t> bytes;
-};
-
 } // namespace
 
 std::vector<std::uint8_t> makeStateChunk(const PlayOptions& options)
 {
     const RandomVelocity random = options.random.value_or(RandomVelocity{});
-    ByteStream stream;
+    Korvanel::stringStream stream;
     stream.WriteInt32(kVersion);
     stream.WriteInt32(0); // no folder
     stream.WriteInt32(0); // no style
@@ -45,5 +29,5 @@ std::vector<std::uint8_t> makeStateChunk(const PlayOptions& options)
     stream.WriteInt8(0); // not thru
     stream.WriteInt8(static_cast<signed char>(options.tempoType));
     stream.WriteInt16(1);
-    return stream.bytes;
+    return {stream.text().begin(), stream.text().end()};
 }

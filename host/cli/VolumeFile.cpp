@@ -31,21 +31,6 @@ struct Release
 template <typename N>
 using Held = std::unique_ptr<N, Release>;
 
-/// Keeps what is written.
-class Collected : public Korvanel::OutputStream
-{
-public:
-    using OutputStream::Write;
-
-    std::uint32_t Write(const void* data, std::uint32_t size) override
-    {
-        bytes.append(static_cast<const char*>(data), size);
-        return size;
-    }
-
-    std::string bytes;
-};
-
 template <typename N>
 N* nextOf(const N* node)
 {
@@ -117,10 +102,10 @@ void requireFileNames(const Tree& tree, const std::string& file)
 /// The reader takes what it can of a damaged volume: then writing it again makes another size.
 void requireWhole(Tree& volume, const std::string& file)
 {
-    Collected again;
+    Korvanel::stringStream again;
     writeVolume(volume, again);
     std::error_code error;
-    if (again.bytes.size() != fs::file_size(file, error))
+    if (again.text().size() != fs::file_size(file, error))
         throw CommandError(ExitCode::BadPattern, file + ": is damaged or cut short; " +
                                                      std::to_string(volume.NumLeaves()) +
                                                      " patterns could be read");
@@ -183,13 +168,6 @@ private:
     fs::path mPath;
 };
 
-std::string withoutTrailingSlash(std::string path)
-{
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
 } // namespace
 
 VolumeCount packVolume(const std::string& folder, const std::string& file)
@@ -197,9 +175,9 @@ VolumeCount packVolume(const std::string& folder, const std::string& file)
     const FolderTree source(folder);
     const Held<FileBaseNode> volume(new FileBaseNode("", nullptr));
     copyInto(*volume, source.root());
-    Collected bytes;
+    Korvanel::stringStream bytes;
     writeVolume(*volume, bytes);
-    writeWhole(file, bytes.bytes);
+    writeWhole(file, bytes.text());
     return countOf(*volume);
 }
 

@@ -3,6 +3,7 @@
 #include "effect/MidiEffect.h"
 #include "tests/support/LibraryFolder.h"
 #include "tests/support/ListQueue.h"
+#include "tests/support/ProcessTally.h"
 
 #include <gtest/gtest.h>
 
@@ -48,22 +49,6 @@ std::vector<std::string> exportedNames(const char* path)
         }
     }
     return names;
-}
-
-std::size_t entriesIn(const char* path)
-{
-    const fs::directory_iterator entries(path);
-    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
-}
-
-std::size_t openDescriptors()
-{
-    return entriesIn("/proc/self/fd");
-}
-
-std::size_t threads()
-{
-    return entriesIn("/proc/self/task");
 }
 
 /// A copy of the bundle in a folder of its own, with a library that is watched beside it.
@@ -130,14 +115,12 @@ TEST(Bundle, MayBeLoadedAndUnloaded200TimesWithAWatchedLibrary)
     const Installation installation;
     for (int i = 0; i < 5 && !HasFailure(); ++i)
         installation.use();
-    const std::size_t descriptors = openDescriptors();
-    const std::size_t running = threads();
+    const ProcessTally before = ProcessTally::now();
     const std::size_t bytes = ::mallinfo2().uordblks;
 
     for (int i = 0; i < 200 && !HasFailure(); ++i)
         installation.use();
 
-    EXPECT_EQ(openDescriptors(), descriptors);
-    EXPECT_EQ(threads(), running);
+    EXPECT_EQ(ProcessTally::settled(before), before);
     EXPECT_LE(::mallinfo2().uordblks, bytes + 16 * 1024);
 }

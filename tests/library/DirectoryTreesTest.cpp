@@ -9,25 +9,11 @@
 
 namespace fs = std::filesystem;
 using Korvanel::String;
+using Korvanel::stringStream;
 using Korvanel::DirectoryTrees::FileInStream;
 using Korvanel::DirectoryTrees::InStream;
 
 namespace {
-
-/// Keeps what is written.
-class Bytes : public Korvanel::OutputStream
-{
-public:
-    using OutputStream::Write;
-
-    std::uint32_t Write(const void* data, std::uint32_t size) override
-    {
-        text.append(static_cast<const char*>(data), size);
-        return size;
-    }
-
-    std::string text;
-};
 
 /// A leaf that says when it is destroyed.
 class MortalLeaf : public Leaf
@@ -462,18 +448,18 @@ TEST(DirectoryTreesFiles, InputsAreCountedAmongTheFrameworksBlocks)
 
 TEST_F(DirectoryTrees, AnEmptyTreeIsTwoEndMarks)
 {
-    Bytes bytes;
+    stringStream bytes;
 
     root->WriteTo(bytes);
 
-    EXPECT_EQ(bytes.text, std::string(8, '\0'));
+    EXPECT_EQ(bytes.text(), std::string(8, '\0'));
 }
 
 TEST_F(DirectoryTrees, RecordsAreLengthNameAndContent)
 {
     addLeaf(*root, "ab"); // its file is missing: a length of 0 and no bytes
     addTree(*root, "T");
-    Bytes bytes;
+    stringStream bytes;
 
     root->WriteTo(bytes);
 
@@ -481,7 +467,7 @@ TEST_F(DirectoryTrees, RecordsAreLengthNameAndContent)
                             "\0\0\0\0"           // no more leaves
                             "\1\0\0\0T\0\0\0\0\0\0\0\0"
                             "\0\0\0"; // no more sub-trees; the last byte is the literal's own
-    EXPECT_EQ(bytes.text, std::string(expected, sizeof expected));
+    EXPECT_EQ(bytes.text(), std::string(expected, sizeof expected));
 }
 
 TEST(DirectoryTreesFiles, APlainLeafOfAWholeBlockIsWrittenAsOneByte)
@@ -490,11 +476,11 @@ TEST(DirectoryTreesFiles, APlainLeafOfAWholeBlockIsWrittenAsOneByte)
     putContent(folder / "big.mid", "M" + std::string(2000, 'x'));
     const WorkingFolder here(folder.path());
     Owned<Tree> root(new Tree("ignored", nullptr));
-    Bytes bytes;
+    stringStream bytes;
 
     addLeaf(*root, "big.mid")->WriteTo(bytes);
 
-    EXPECT_EQ(bytes.text, std::string("\0\0\0\0M", 5));
+    EXPECT_EQ(bytes.text(), std::string("\0\0\0\0M", 5));
 }
 
 TEST(DirectoryTreesFiles, APlainLeafBelowABlockIsWrittenAsNothing)
@@ -503,11 +489,11 @@ TEST(DirectoryTreesFiles, APlainLeafBelowABlockIsWrittenAsNothing)
     putContent(folder / "small.mid", std::string(1023, 'x'));
     const WorkingFolder here(folder.path());
     Owned<Tree> root(new Tree("ignored", nullptr));
-    Bytes bytes;
+    stringStream bytes;
 
     addLeaf(*root, "small.mid")->WriteTo(bytes);
 
-    EXPECT_EQ(bytes.text, std::string(4, '\0'));
+    EXPECT_EQ(bytes.text(), std::string(4, '\0'));
 }
 
 // Slots -------------------------------------------------------------------------------------------
@@ -556,12 +542,12 @@ Slots& through(void* object)
 TEST_F(DirectoryTrees, ATreesOperationsStandInTheirSlots)
 {
     Tree* x = addTree(*root, "x");
-    Bytes bytes;
+    stringStream bytes;
     char path[8] = {};
     auto& slots = through<TreeSlots>(static_cast<void*>(x));
 
     slots.WriteTo(bytes);
-    EXPECT_EQ(bytes.text.size(), 8u);
+    EXPECT_EQ(bytes.text().size(), 8u);
     EXPECT_STREQ(slots.GetDescription().c_str(), "");
     EXPECT_STREQ(slots.Path(nullptr).c_str(), "x\\");
     EXPECT_EQ(slots.FullPathSize(), 5);
@@ -573,11 +559,11 @@ TEST_F(DirectoryTrees, ATreesOperationsStandInTheirSlots)
 TEST_F(DirectoryTrees, ALeafsOperationsStandInTheirSlots)
 {
     Leaf* leaf = addLeaf(*root, "a");
-    Bytes bytes;
+    stringStream bytes;
     auto& slots = through<LeafSlots>(static_cast<void*>(leaf));
 
     slots.WriteTo(bytes);
-    EXPECT_EQ(bytes.text.size(), 4u);
+    EXPECT_EQ(bytes.text().size(), 4u);
     EXPECT_STREQ(slots.GetDescriptionNoPath().c_str(), "");
     InStream* input = slots.GetInput();
     EXPECT_TRUE(input->IsEOF());

@@ -220,23 +220,11 @@ TEST(VolumeNodeTest, WritingWhatWasReadGivesTheSameBytes)
                               kEnd + kEnd + kEnd;
     Volume volume(whole);
 
-    class Appending : public Korvanel::OutputStream
-    {
-    public:
-        using OutputStream::Write;
-
-        std::uint32_t Write(const void* data, std::uint32_t size) override
-        {
-            bytes.append(static_cast<const char*>(data), size);
-            return size;
-        }
-
-        std::string bytes;
-    } stream;
+    Korvanel::stringStream stream;
 
     writeVolume(*volume, stream);
 
-    EXPECT_EQ(stream.bytes, whole);
+    EXPECT_EQ(stream.text(), whole);
 }
 
 TEST(VolumeNodeTest, APatternLoadsFromAVolume)

@@ -1,8 +1,8 @@
 // The window of the built bundle in a host that gives it one of its own.
 #include "tests/host/lv2/Lv2UiHost.h"
+#include "tests/support/ProcessTally.h"
 
 #include <atomic>
-#include <filesystem>
 
 namespace {
 
@@ -46,12 +46,6 @@ private:
     std::atomic<bool> mStop{false};
     std::thread mThread;
 };
-
-std::ptrdiff_t entriesIn(const char* path)
-{
-    const std::filesystem::directory_iterator entries(path);
-    return std::distance(begin(entries), end(entries));
-}
 
 } // namespace
 
@@ -169,20 +163,18 @@ TEST_F(InLv2Window, OpensAndClosesFiftyTimesWhileTheInstancePlaysAndLeavesNothin
     Lv2Instance plugin(*world);
     choose(plugin, 0);
     const unsigned long parent = makeParent();
-    const auto threads = entriesIn("/proc/self/task");
-    const auto descriptors = entriesIn("/proc/self/fd");
+    const ProcessTally before = ProcessTally::now();
     {
         Playing playing(plugin);
         for (int i = 0; i < 50; ++i) {
-            const int before = playing.cycles;
+            const int cycles = playing.cycles;
             const auto window = open(plugin, {parent});
             ASSERT_NE(window->handle, nullptr) << window->logged;
-            ASSERT_TRUE(until({window.get()}, [&] { return playing.cycles > before + 1; }));
+            ASSERT_TRUE(until({window.get()}, [&] { return playing.cycles > cycles + 1; }));
         }
     }
     EXPECT_EQ(display.childrenOf(parent), 0u);
-    EXPECT_EQ(entriesIn("/proc/self/task"), threads);
-    EXPECT_EQ(entriesIn("/proc/self/fd"), descriptors);
+    EXPECT_EQ(ProcessTally::settled(before), before);
     ASSERT_FALSE(plugin.sent.empty());
     for (std::size_t i = 0; i < plugin.sent.size(); ++i) {
         const auto frame = static_cast<std::int64_t>(i / 2) * 96000;

@@ -1,6 +1,7 @@
 #include "platform/os/FolderWatch.h"
 
 #include "tests/support/Folders.h"
+#include "tests/support/ProcessTally.h"
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -13,12 +14,6 @@ namespace fs = std::filesystem;
 using platform::FolderWatch;
 
 namespace {
-
-std::size_t threads()
-{
-    const fs::directory_iterator tasks("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
 
 class FolderWatchTest : public testing::Test
 {
@@ -136,13 +131,13 @@ TEST(FolderWatchThread, LivesNoLongerThanTheWatches)
     {
         const FolderWatch first([] {}); // a sanitizer starts a thread of its own with the first
     }
-    const std::size_t before = threads();
+    const ProcessTally before = ProcessTally::now();
     {
         FolderWatch one([] {});
         FolderWatch two([] {});
-        EXPECT_EQ(threads(), before + 1);
+        EXPECT_EQ(ProcessTally::now().threads, before.threads + 1);
     }
-    EXPECT_EQ(threads(), before);
+    EXPECT_EQ(ProcessTally::settled(before), before);
 }
 
 TEST(FolderWatchThread, EndingWaitsForTheCallThatIsRunning)
