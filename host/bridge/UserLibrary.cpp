@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -13,18 +12,11 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kLibrary = "Korvanel/Loops";
-constexpr const char* kDataFolders = "/usr/local/share:/usr/share";
 
 bool isFolder(const fs::path& path)
 {
     std::error_code error;
     return fs::is_directory(path, error);
-}
-
-std::string dataFolders()
-{
-    const char* named = std::getenv("XDG_DATA_DIRS");
-    return named != nullptr && *named != 0 ? named : kDataFolders;
 }
 
 /// A folder that goes, with all in it, unless it has been given its place.
@@ -82,10 +74,8 @@ std::string factoryLibrary()
     std::string own = std::string(Korvanel::Module::GetContentsPath().c_str()) + "Resources/Loops";
     if (isFolder(own))
         return own;
-    std::istringstream folders(dataFolders());
-    for (std::string folder; std::getline(folders, folder, ':');)
-        if (const fs::path library = fs::path(folder) / kLibrary;
-            library.is_absolute() && isFolder(library))
+    for (const std::string& folder : platform::systemDataFolders())
+        if (const fs::path library = fs::path(folder) / kLibrary; isFolder(library))
             return library;
     return {};
 }

@@ -4,9 +4,7 @@
 #include "platform/os/StandardFolders.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <filesystem>
-#include <sstream>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -14,7 +12,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kInDataFolder = "Korvanel/Loops";
-constexpr const char* kSystemFolders = "/usr/local/share:/usr/share";
 
 std::vector<fs::path> usualPlaces()
 {
@@ -23,9 +20,7 @@ std::vector<fs::path> usualPlaces()
     std::vector<fs::path> places{program / "Loops",
                                  fs::path(platform::userDataFolder()) / kInDataFolder,
                                  program.parent_path() / "share" / kInDataFolder};
-    const char* given = std::getenv("XDG_DATA_DIRS");
-    std::istringstream folders(given != nullptr && *given != 0 ? given : kSystemFolders);
-    for (std::string folder; std::getline(folders, folder, ':');)
+    for (const std::string& folder : platform::systemDataFolders())
         places.push_back(fs::path(folder) / kInDataFolder);
     return places;
 }

@@ -3,6 +3,7 @@
 #include "editor/CLooperView.h"
 #include "editor/EditorModule.h"
 #include "effect/CLooper.h"
+#include "host/bridge/UserLibrary.h"
 #include "host/cli/CommandError.h"
 #include "host/cli/LibraryFolder.h"
 #include "host/standalone/RunningTransport.h"
@@ -80,7 +81,9 @@ void choosePattern(CLooper& effect, const std::string& file, const std::string& 
 
 void connect(CLooper& effect, HostContext& time, const EditorOptions& options)
 {
-    const std::string library = libraryFolder(options.library);
+    const std::string library =
+        options.library.empty() ? chooseLibrary(effect.GetPatternsDir().c_str(), factoryLibrary())
+                                : options.library;
     effect.SetPatternsDir(library.c_str());
     effect.Initialize(&time);
     effect.Enable();

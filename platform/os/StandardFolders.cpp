@@ -19,6 +19,7 @@ namespace {
 
 constexpr unsigned kPrivate = 0700; // what the base directory rules ask for the user's own folders
 constexpr unsigned kPublic = 0755;
+constexpr const char* kLocalData = "/usr/local/share";
 constexpr std::size_t kMostUserDirs = 65536;
 
 bool isFolder(const std::string& path)
@@ -32,6 +33,17 @@ std::string pathVariable(const char* name)
 {
     const char* value = std::getenv(name);
     return value != nullptr && *value == '/' ? value : "";
+}
+
+/// The absolute paths of a list with colons between them.
+std::vector<std::string> pathsIn(const char* list)
+{
+    std::vector<std::string> paths;
+    std::istringstream rest(list != nullptr ? list : "");
+    for (std::string path; std::getline(rest, path, ':');)
+        if (path.starts_with('/'))
+            paths.push_back(path);
+    return paths;
 }
 
 std::string homeOfAccount()
@@ -99,13 +111,20 @@ std::string userDataFolder()
     return makeFolders(folder, kPrivate) ? folder : "";
 }
 
+std::vector<std::string> systemDataFolders()
+{
+    std::vector<std::string> folders = pathsIn(std::getenv("XDG_DATA_DIRS"));
+    if (folders.empty())
+        folders = {kLocalData, "/usr/share"};
+    return folders;
+}
+
 std::string allUsersDataFolder()
 {
-    std::istringstream folders(pathVariable("XDG_DATA_DIRS"));
-    for (std::string folder; std::getline(folders, folder, ':');)
-        if (folder.starts_with('/') && isFolder(folder) && ::access(folder.c_str(), W_OK) == 0)
+    for (const std::string& folder : pathsIn(std::getenv("XDG_DATA_DIRS")))
+        if (isFolder(folder) && ::access(folder.c_str(), W_OK) == 0)
             return folder;
-    const std::string local = "/usr/local/share";
+    const std::string local = kLocalData;
     return makeFolders(local, kPublic) ? local : "";
 }
 

@@ -3,6 +3,7 @@
 /// unless the variable has one. Thread: any, while nobody changes the environment.
 #pragma once
 #include <string>
+#include <vector>
 
 namespace platform {
 
@@ -12,6 +13,9 @@ std::string homeFolder();
 /// The user's application data: $XDG_DATA_HOME, else ~/.local/share. Made when it is missing; ""
 /// when it cannot be.
 std::string userDataFolder();
+/// Where programs put application data for all users: the folders of $XDG_DATA_DIRS, else
+/// /usr/local/share and /usr/share, the most important first. They may be missing.
+std::vector<std::string> systemDataFolders();
 /// Application data of all users: the first folder of $XDG_DATA_DIRS that this user may write to,
 /// else /usr/local/share, which is made when it is missing; "" when it cannot be.
 std::string allUsersDataFolder();

@@ -100,6 +100,20 @@ TEST_F(StandardFolders, AllUsersShareTheFirstFolderThatCanBeWritten)
     EXPECT_EQ(allUsersDataFolder(), home / "first");
 }
 
+TEST_F(StandardFolders, TheSystemsDataFoldersAreTheAbsoluteOnesOfTheList)
+{
+    environment.set("XDG_DATA_DIRS", "/first:relative::/second/");
+    EXPECT_EQ(systemDataFolders(), (std::vector<std::string>{"/first", "/second/"}));
+}
+
+TEST_F(StandardFolders, TheSystemsDataFoldersAreTwoWithoutAList)
+{
+    const std::vector<std::string> usual{"/usr/local/share", "/usr/share"};
+    EXPECT_EQ(systemDataFolders(), usual);
+    environment.set("XDG_DATA_DIRS", "relative:");
+    EXPECT_EQ(systemDataFolders(), usual);
+}
+
 TEST_F(StandardFolders, WithoutAHomeTheAccountsOwnCounts)
 {
     const passwd* account = ::getpwuid(::getuid());
