@@ -60,7 +60,7 @@ void CLooper::Initialize(Korvanel::MidiContext* context)
 void CLooper::connect(ProcessContext* context)
 {
     auto looper = std::make_unique<Korvanel::Looper>(mPlayTrack, mLock, *context, &mParams);
-    looper->TempoType(tempoType());
+    looper->TempoType(tempoType()); // a state may have been loaded before there was a looper
     joinLoopers(); // first: an effect that goes meanwhile must not take the library along
     openLibrary();
     mContext = context;

@@ -142,7 +142,10 @@ public:
     Korvanel::String GetStyleName() const;
     Korvanel::String GetPatternName() const;
     void SetPatternsDir(const char* folder);
-    void SetPatDirToDefault(); ///< "Loops" beside the folder three levels above the module's
+    /// "Loops" beside the folder that lies two levels above the one with our bundle. A bundle
+    /// inside
+    /// a host's own (HOST/Contents/PLUGINS/BUNDLE) has it beside the host's.
+    void SetPatDirToDefault();
     /// Renders with the host's maps; each may be null.
     void save_track(Korvanel::OutputStream& stream, int repeat, IMfxMeterMap* meterMap,
                     IMfxTempoMap* tempoMap, IMfxKeySigMap* keySigMap) KV_EXCLUDES(mEdit);

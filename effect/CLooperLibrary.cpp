@@ -9,10 +9,12 @@ using Korvanel::CMidiTrack;
 using Korvanel::CriticalSection;
 using Korvanel::ScopedLock;
 
-CriticalSection CLooper::mPatternsLock;
-std::shared_ptr<PatternTree> CLooper::mPatternTree;
+// The tree goes first where a host exits with effects alive: it waits for on_tree_change, which
+// uses the others.
 CriticalSection CLooper::mLoopersLock;
 std::vector<CLooper*> CLooper::mLoopers;
+CriticalSection CLooper::mPatternsLock;
+std::shared_ptr<PatternTree> CLooper::mPatternTree;
 
 void CLooper::joinLoopers()
 {

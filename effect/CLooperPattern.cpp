@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,7 @@ using Korvanel::String;
 namespace {
 
 constexpr std::string_view kFileScheme = "file://";
+constexpr int kStyleBytes = 259; ///< a style of so many leaves no room for a pattern's name
 constexpr std::size_t kNameBytes = sizeof IKVSSExStrumwerks::Pattern::name;
 
 std::string_view nameOf(const IKVSSExStrumwerks::Pattern& pattern)
@@ -41,9 +43,12 @@ std::string libraryPath(const String& folder, std::string_view name)
     return path;
 }
 
-/// @return false, whatever went wrong, with the track as it was
+/// Opening a pipe would wait for somebody to write into it. @return false, whatever went wrong,
+/// with the track as it was
 bool loadFile(const std::string& path, CMidiTrack& track)
 try {
+    if (!std::filesystem::is_regular_file(path))
+        return false;
     const Korvanel::File file(path.c_str(), Korvanel::File::ReadMode, 0);
     if (!file.isOpen())
         return false;
@@ -149,7 +154,7 @@ bool CLooper::GetCurrentPattern(IKVSSExStrumwerks::Pattern* pattern)
     const std::size_t copied = std::min(full.size(), kNameBytes - 1);
     std::copy_n(full.data(), copied, pattern->name);
     pattern->name[copied] = 0;
-    return copied == full.size() && !mPatternName.IsEmpty();
+    return mStyleName.GetLength() < kStyleBytes && !mPatternName.IsEmpty(); // a long name is cut
 }
 
 bool CLooper::AddObserver(IKVSSExStrumwerks::PatternObserver* observer)
@@ -234,7 +239,7 @@ void CLooper::SetPatternsDir(const char* folder)
 void CLooper::SetPatDirToDefault()
 {
     Korvanel::Module::InitSelfLocation();
-    String folder = Korvanel::Module::GetModulePath();
+    String folder = Korvanel::Module::GetFolderPath();
     for (int level = 0; level < 3; ++level)
         if (const int slash = folder.ReverseFind('/'); slash >= 0)
             folder = folder.Left(slash);

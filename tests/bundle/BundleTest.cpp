@@ -51,7 +51,7 @@ std::vector<std::string> exportedNames(const char* path)
     return names;
 }
 
-/// A copy of the bundle in a folder of its own, with a library that is watched beside it.
+/// A copy of the bundle inside a host program's own, with a library that is watched beside that.
 class Installation
 {
 public:
@@ -63,7 +63,10 @@ public:
         mFolder.makeFolder("Loops/User");
     }
 
-    std::string bundle() const { return mFolder / "Looper.bundle/Contents/Linux/Looper.so"; }
+    std::string bundle() const
+    {
+        return mFolder / "Host/Contents/PlugIns/Looper.bundle/Contents/Linux/Looper.so";
+    }
 
     /// Loads the bundle, plays a pattern of its library while the library changes, and unloads it.
     void use() const

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Korvanel;
@@ -198,8 +199,23 @@ TEST_F(Patterns, NamesThatDoNotFitSaySo)
     EXPECT_EQ(chosen(), "(none)");
     effect.SetCurrentStyle(std::string(253, 's').c_str());
     EXPECT_EQ(chosen(), std::string(253, 's') + "\\Intro");
+}
+
+TEST_F(Patterns, ANameThatIsTooLongForTheHostIsCut)
+{
+    choose("Rock\\Intro");
     effect.SetCurrentStyle(std::string(254, 's').c_str());
-    EXPECT_EQ(chosen(), "(none)");
+    EXPECT_EQ(chosen(), std::string(254, 's') + "\\Intr");
+    effect.SetCurrentStyle(std::string(258, 's').c_str());
+    EXPECT_EQ(chosen(), std::string(258, 's') + "\\");
+}
+
+TEST_F(Patterns, APipeIsNoPattern)
+{
+    const std::string pipe = (root / "pipe.mid").string();
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(choose("pipe"));
+    EXPECT_FALSE(choose("file://" + pipe));
 }
 
 TEST_F(Patterns, ObserversHearOfAPatternFromAStreamOnceForEachTimeTheyWereAdded)
@@ -267,9 +283,9 @@ TEST_F(Patterns, ThePlayedTrackIsPreparedAndTheSavedOneIsNot)
 TEST_F(Patterns, ADotMeansTheDefaultFolder)
 {
     effect.SetPatternsDir(".");
-    const fs::path module(std::string(Module::GetModulePath().c_str()));
+    const fs::path holder(std::string(Module::GetFolderPath().c_str())); // ends in "/"
     const fs::path expected =
-        module.parent_path().parent_path().parent_path().parent_path() / "Loops";
+        holder.parent_path().parent_path().parent_path().parent_path() / "Loops";
     EXPECT_EQ(std::string(effect.GetPatternsDir().c_str()), expected.string());
     effect.SetPatternsDir("");
     EXPECT_TRUE(effect.GetPatternsDir().IsEmpty());

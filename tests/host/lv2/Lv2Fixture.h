@@ -18,9 +18,8 @@ inline Sent off(std::int64_t frame, std::uint8_t key)
 
 using SentList = std::vector<Sent>;
 
-/// The built bundle lies beside the factory patterns, which would be its library; so it runs as a
-/// copy, with a library of its own beside it: Test/a.mid is one bar with a quarter note of key 40
-/// at its start, Test/b.mid the same with key 41.
+/// The built bundle as a copy, installed in a folder "host" beside a library of its own: Test/a.mid
+/// is one bar with a quarter note of key 40 at its start, Test/b.mid the same with key 41.
 class InLv2Host : public testing::Test
 {
 protected:
@@ -28,9 +27,10 @@ protected:
     {
         library.put("Loops/Test/a.mid", midiFileWithNote(40));
         library.put("Loops/Test/b.mid", midiFileWithNote(41));
-        std::filesystem::copy(KV_LV2_BUNDLE, library / "Looper.lv2",
+        library.makeFolder("host/lib/lv2");
+        std::filesystem::copy(KV_LV2_BUNDLE, library / "host/lib/lv2/Looper.lv2",
                               std::filesystem::copy_options::recursive);
-        world = std::make_unique<Lv2World>(library / "Looper.lv2/");
+        world = std::make_unique<Lv2World>(library / "host/lib/lv2/Looper.lv2/");
     }
 
     /// Chooses by a program change, as nobody else can reach the effect.

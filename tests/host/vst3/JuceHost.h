@@ -106,8 +106,8 @@ inline std::string nameOf(const testing::TestParamInfo<Format>& format)
     return format.param == Format::Lv2 ? "Lv2" : "Vst3";
 }
 
-/// Bundles that lie beside a library of the test's own: Test/a.mid is one bar of 4/4 with a quarter
-/// note of key 40 at its start, Test/b.mid the same with key 41.
+/// Bundles installed in a folder "host" beside a library of the test's own: Test/a.mid is one bar
+/// of 4/4 with a quarter note of key 40 at its start, Test/b.mid the same with key 41.
 class Bundles
 {
 public:
@@ -121,9 +121,11 @@ public:
         constexpr auto recursive = std::filesystem::copy_options::recursive;
         library.put("Loops/Test/a.mid", midiFileWithNote(40));
         library.put("Loops/Test/b.mid", midiFileWithNote(41));
-        std::filesystem::copy(KV_VST3_BUNDLE, library / "Looper.vst3", recursive);
-        std::filesystem::copy(KV_LV2_BUNDLE, library / "Looper.lv2", recursive);
-        mLv2.searchPathsForPlugins(juce::FileSearchPath(library.path()), false, false);
+        library.makeFolder("host/lib/plug-ins");
+        std::filesystem::copy(KV_VST3_BUNDLE, library / "host/lib/plug-ins/Looper.vst3", recursive);
+        std::filesystem::copy(KV_LV2_BUNDLE, library / "host/lib/plug-ins/Looper.lv2", recursive);
+        mLv2.searchPathsForPlugins(juce::FileSearchPath(library / "host/lib/plug-ins"), false,
+                                   false);
     }
 
     juce::AudioPluginFormat& format(Format which)
@@ -137,7 +139,7 @@ public:
     {
         juce::OwnedArray<juce::PluginDescription> found;
         format(which).findAllTypesForFile(found, which == Format::Vst3
-                                                     ? library / "Looper.vst3"
+                                                     ? library / "host/lib/plug-ins/Looper.vst3"
                                                      : "https://korvanel.org/lv2/looper");
         if (found.size() != 1)
             throw std::runtime_error("the bundle holds not one plug-in");
