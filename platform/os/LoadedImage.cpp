@@ -24,6 +24,13 @@ std::optional<std::string> pathOfImageAt(const void* address)
     return error ? std::string() : path.lexically_normal().string();
 }
 
+void keepImageAt(const void* address)
+{
+    Dl_info info{};
+    if (::dladdr(address, &info) != 0 && info.dli_fname != nullptr)
+        ::dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
 std::string pathOfMainProgram()
 {
     std::error_code error;
