@@ -103,9 +103,9 @@ bool Tree::AddTree(Tree* tree)
 
 bool Tree::add(List& list, Node* node)
 {
+    // From the first, and not from the end, though most come in order: after a Rename the list need
+    // not be.
     Node* at = list.first;
-    if (list.last != nullptr && isBefore(list.last, node))
-        at = nullptr; // most come in order
     while (at != nullptr && isBefore(at, node))
         at = at->next();
     if (at != nullptr && isSameName(at, node))

@@ -54,6 +54,30 @@ TEST_F(DirectoryTrees, ASecondLeafOfANameStaysTheCallers)
     second->release();
 }
 
+TEST_F(DirectoryTrees, ANameThatStandsOutOfOrderIsRefusedToo)
+{
+    addLeaf(*root, "b");
+    Leaf* at = root->firstLeaf();
+    root->InsertLeaf(at, new Leaf("z", root.get())); // as after a Rename
+    Owned<Leaf> second(new Leaf("z", root.get()));
+
+    EXPECT_FALSE(root->AddLeaf(second.get()));
+
+    EXPECT_EQ(leavesOf(*root), (Names{"z", "b"}));
+}
+
+TEST_F(DirectoryTrees, AmongLeavesOutOfOrderANewOneStandsBeforeTheFirstThatIsGreater)
+{
+    addLeaf(*root, "b");
+    Leaf* at = root->firstLeaf();
+    root->InsertLeaf(at, new Leaf("z", root.get()));
+
+    addLeaf(*root, "c");
+
+    EXPECT_EQ(leavesOf(*root), (Names{"c", "z", "b"}));
+    EXPECT_EQ(namesBack(root->lastLeaf()), (Names{"c", "z", "b"}));
+}
+
 TEST_F(DirectoryTrees, ALeafAndASubTreeMayShareAName)
 {
     addLeaf(*root, "Rock");
