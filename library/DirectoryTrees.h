@@ -175,7 +175,9 @@ private:
     void addAll(List& list, std::vector<Node*>& nodes);
     void insert(List& list, Node* before, Node* node);
     void unlink(List& list, Node* node);
-    static void releaseAll(List& list);
+    void releaseAll(List& list);
+    static Node* named(const List& list, const char* name, int length);
+    Tree* follow(const String& path, int start, int end);
     static void writeList(OutputStream& stream, const List& list);
 
     List mLeaves;

@@ -1,6 +1,7 @@
 // Finding nodes by their paths, and the paths of nodes.
 #include "library/DirectoryTrees.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/Guards.h"
 
 #include <gtest/gtest.h>
 
@@ -58,6 +59,54 @@ TEST_F(TreeSearch, ALeafUnderAMissingFolderIsLookedUpInTheDeepestOne)
     Leaf* leaf = addLeaf(*root, "a.mid");
 
     EXPECT_EQ(root->FindLeaf("Gone\\a.mid", 0), leaf);
+}
+
+TEST_F(TreeSearch, AMissingFolderIsLeftOutOfALeafsPath)
+{
+    Leaf* leaf = addLeaf(*addTree(*root, "Rock"), "a.mid");
+
+    EXPECT_EQ(root->FindLeaf("Gone\\Rock\\a.mid", 0), leaf);
+    EXPECT_EQ(root->FindLeaf("\\\\Rock\\\\a.mid", 0), leaf);
+}
+
+TEST_F(TreeSearch, FromAStartBeforeItsLastSeparatorALeafIsFoundByItsWholePath)
+{
+    Leaf* leaf = addLeaf(*addTree(*addTree(*root, "Rock"), "Fills"), "a.mid");
+
+    for (const int start : {0, 4, 5, 10})
+        EXPECT_EQ(root->FindLeaf("Rock\\Fills\\a.mid", start), leaf) << start;
+}
+
+TEST_F(TreeSearch, WhatAStartSkipsIsFollowedOnlyAsFarAsItExists)
+{
+    Leaf* inRoot = addLeaf(*root, "a.mid");
+    Leaf* inFills = addLeaf(*addTree(*root, "Fills"), "a.mid");
+
+    EXPECT_EQ(root->FindLeaf("Gone\\Fills\\a.mid", 0), inFills);
+    EXPECT_EQ(root->FindLeaf("Gone\\Fills\\a.mid", 5), inRoot); // "Gone\Fills" in one go
+}
+
+TEST_F(TreeSearch, FromAStartBehindItsLastSeparatorAPathIsANameAsAWhole)
+{
+    addLeaf(*addTree(*root, "Rock"), "a.mid");
+    addLeaf(*root, "a.mid");
+    EXPECT_EQ(root->FindLeaf("Rock\\a.mid", 5), nullptr);
+    EXPECT_EQ(root->FindLeaf("Rock\\a.mid", 99), nullptr);
+
+    Leaf* literal = addLeaf(*root, "Rock\\a.mid");
+
+    EXPECT_EQ(root->FindLeaf("Rock\\a.mid", 5), literal);
+}
+
+TEST_F(TreeSearch, AMillionSeparatorsAreFollowedInPlace)
+{
+    Leaf* leaf = addLeaf(*root, "a.mid");
+    const String path = (std::string(1000000, '\\') + "a.mid").c_str();
+
+    const AllocationGuard guard;
+    EXPECT_EQ(root->FindLeaf(path, 0), leaf);
+    EXPECT_EQ(root->FindTree(path, 0), root.get());
+    EXPECT_EQ(guard.count(), 0u);
 }
 
 TEST_F(TreeSearch, ASlashIsNoSeparator)
