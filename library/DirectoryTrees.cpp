@@ -31,6 +31,13 @@ Node::Node(const String& name, Tree* parent)
     : mParent(parent)
     , mName(name)
 {
+    if (mParent != nullptr)
+        mParent->keep();
+}
+
+Node::~Node()
+{
+    release(mParent);
 }
 
 void Node::release()

@@ -221,6 +221,48 @@ TEST(DirectoryTreesOwnership, ALeafThatIsHeldOutlivesItsTreeAndForgetsIt)
     EXPECT_EQ(deaths, 1);
 }
 
+TEST(DirectoryTreesOwnership, ALeafTakenOutHoldsTheTreeThatItCameFrom)
+{
+    int deaths = 0;
+    auto* root = new Tree("/r", nullptr);
+    Tree* rock = addTree(*root, "Rock");
+    EXPECT_TRUE(rock->AddLeaf(new MortalLeaf("a.mid", rock, deaths)));
+    EXPECT_TRUE(rock->AddLeaf(new MortalLeaf("b.mid", rock, deaths)));
+    Leaf* at = rock->firstLeaf();
+    Leaf* taken = rock->RemoveLeaf(at);
+    root->RemoveTree(rock)->release();
+    root->release();
+
+    EXPECT_STREQ(taken->FullName().c_str(), "/r/Rock/a.mid");
+    EXPECT_EQ(deaths, 0);
+    taken->release();
+    EXPECT_EQ(deaths, 2);
+}
+
+TEST(DirectoryTreesOwnership, ALeafThatWasNeverListedHoldsItsParent)
+{
+    auto* root = new Tree("/r", nullptr);
+    auto* leaf = new Leaf("a.mid", root);
+
+    root->release();
+
+    EXPECT_STREQ(leaf->FullName().c_str(), "/r/a.mid");
+    leaf->release();
+}
+
+TEST(DirectoryTreesOwnership, ALeafPutBackHoldsItsTreeNoMore)
+{
+    int deaths = 0;
+    auto* root = new Tree("/r", nullptr);
+    EXPECT_TRUE(root->AddLeaf(new MortalLeaf("a.mid", root, deaths)));
+    Leaf* at = root->firstLeaf();
+    EXPECT_TRUE(root->AddLeaf(root->RemoveLeaf(at)));
+
+    root->release();
+
+    EXPECT_EQ(deaths, 1);
+}
+
 TEST(DirectoryTreesOwnership, ReleasingNothingDoesNothing)
 {
     Node::release(nullptr);

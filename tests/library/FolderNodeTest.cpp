@@ -145,6 +145,22 @@ TEST_F(FolderNodeTest, WhatIsStillThereKeepsItsNode)
     b->release(); // the last reference: the tree has let it go
 }
 
+TEST_F(FolderNodeTest, APatternThatIsHeldKnowsItsPathWhenItsStyleVanishesAfterIt)
+{
+    folder.put("Rock/a.mid");
+    scan();
+    Leaf* held = leaf("Rock\\a.mid");
+    held->keep();
+    folder.remove("Rock/a.mid");
+    scan();
+    folder.remove("Rock");
+    scan();
+
+    EXPECT_STREQ(held->FullName().c_str(), (folder / "Rock/a.mid").c_str());
+    EXPECT_STREQ(held->PathName(root.get()).c_str(), "Rock\\a.mid");
+    held->release();
+}
+
 TEST_F(FolderNodeTest, AStyleThatVanishesTakesItsPatternsWithIt)
 {
     folder.put("Rock/a.mid");
