@@ -26,7 +26,8 @@ std::string_view extensionOf(std::string_view name)
 
 bool belongsToLibrary(std::string_view name, bool isFolder)
 {
-    if (name.starts_with('.'))
+    // A backslash separates the names of a path: one with it in could be listed and never found.
+    if (name.starts_with('.') || name.find('\\') != std::string_view::npos)
         return false;
     const std::string_view extension = extensionOf(name);
     return isFolder || extension == kPatternExtension || extension == kDescriptionExtension;

@@ -1,5 +1,5 @@
 /// A folder on the disk as a tree of patterns: ".mid" files are its leaves, folders its sub-trees,
-/// a ".txt" file its description. Names that begin with "." are nobody's.
+/// a ".txt" file its description. Names that begin with "." or hold a backslash are nobody's.
 #pragma once
 #include "library/DirectoryTrees.h"
 #include "platform/os/FolderListing.h"

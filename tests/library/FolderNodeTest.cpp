@@ -121,6 +121,19 @@ TEST_F(FolderNodeTest, AFolderNamedLikeAPatternIsAFolder)
     EXPECT_EQ(treesOf(*root), (Names{"x.mid"}));
 }
 
+TEST_F(FolderNodeTest, NamesThatNoPathCanHoldAreLeftOut)
+{
+    folder.put("a\\b.mid");
+    folder.put("R\\S/c.mid");
+    folder.put("about\\it.txt");
+    folder.put("a.mid");
+
+    scan();
+
+    EXPECT_EQ(pathsOf(*root), (Names{"a.mid"}));
+    EXPECT_STREQ(root->GetDescriptionNoPath().c_str(), "");
+}
+
 TEST_F(FolderNodeTest, WhatIsStillThereKeepsItsNode)
 {
     folder.put("Rock/a.mid");
