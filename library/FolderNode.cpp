@@ -1,9 +1,9 @@
 #include "library/FolderNode.h"
 
 #include "library/VolumeNode.h"
+#include "platform/os/WholeFile.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <string_view>
 #include <vector>
 
@@ -167,14 +167,8 @@ void FolderNode::RefreshBranches(Tree* fresh)
 
 void FolderNode::WriteVolumeTo(const char* path)
 {
-    const std::string beside = std::string(path) + ".part";
-    Korvanel::File file(beside.c_str(), Korvanel::File::WriteMode, 1);
-    if (!file.isOpen())
-        return;
-    Korvanel::SimpleStream<Korvanel::File> stream(file);
-    writeVolume(*this, stream);
-    const bool whole = std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0;
-    file.close();
-    if (!whole || std::rename(beside.c_str(), path) != 0)
-        std::remove(beside.c_str());
+    // Whole before it is written: what a plain leaf gives is a few bytes.
+    Korvanel::stringStream volume;
+    writeVolume(*this, volume);
+    platform::replaceWholeFile(path, volume.text());
 }

@@ -31,7 +31,8 @@ public:
     void RefreshBranches(Tree* fresh);
 
     /// Writes the folder as a volume file, with the leaves as Leaf::WriteTo has them. The file is
-    /// there when it is whole, or the old one stays; nothing is reported.
+    /// there when it is whole, or the old one stays (platform::replaceWholeFile); nothing is
+    /// reported.
     void WriteVolumeTo(const char* path);
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "library/VolumeNode.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/LibraryFolder.h"
 
 #include <gtest/gtest.h>
@@ -339,9 +340,35 @@ TEST_F(FolderNodeTest, AVolumeThatCannotBeWrittenLeavesTheOldOne)
 {
     const LibraryFolder out;
     out.put("v", "old");
-    out.makeFolder("v.part"); // in the way of the new one
+    out.makeFolder(".v.new"); // in the way of the new one
 
     root->WriteVolumeTo((out / "v").c_str());
 
     EXPECT_EQ(contentOf(out / "v"), "old");
+}
+
+TEST_F(FolderNodeTest, AVolumeThatDoesNotFitLeavesTheOldOneAndNothingElse)
+{
+    folder.put(std::string(200, 'n') + ".mid");
+    scan();
+    const LibraryFolder out;
+    out.put("v", "old");
+    {
+        const FileSizeLimit limit(100);
+        root->WriteVolumeTo((out / "v").c_str());
+    }
+
+    EXPECT_EQ(contentOf(out / "v"), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(out.path()), {}), 1);
+}
+
+TEST_F(FolderNodeTest, WritingAVolumeLeavesTheFilesBesideItAlone)
+{
+    const LibraryFolder out;
+    out.put("v.part", "somebody's");
+
+    root->WriteVolumeTo((out / "v").c_str());
+
+    EXPECT_EQ(contentOf(out / "v.part"), "somebody's");
+    EXPECT_EQ(contentOf(out / "v").substr(0, 8), "Korvanel");
 }
