@@ -1,4 +1,5 @@
 #include "shared/System/kvStream.h"
+#include "tests/support/Folders.h"
 
 #include <gtest/gtest.h>
 
@@ -215,6 +216,16 @@ TEST(StreamBuffer, SeekingInFixedMemoryStopsAtItsEnd)
     EXPECT_EQ(buffer->Seek(1, 2), 10u);
 }
 
+TEST(StreamBuffer, NegativeOffsetsGoBack)
+{
+    const Buffer buffer = growable();
+    buffer->Write("abcdef", 6);
+
+    EXPECT_EQ(buffer->Seek(static_cast<std::uint32_t>(-2), 2), 4u);
+    EXPECT_EQ(buffer->Seek(static_cast<std::uint32_t>(-1), 1), 3u);
+    EXPECT_EQ(buffer->GetSize(), 6u);
+}
+
 TEST(StreamBuffer, SeekingBeyondTheEndGrowsWithZeros)
 {
     const Buffer buffer = growable();
@@ -344,6 +355,33 @@ TEST(File, ReadsBackWhatItWrote)
     EXPECT_EQ(read[0], 'e');
     EXPECT_EQ(file.read(read, 6), 0u); // not a whole block
     std::filesystem::remove(path);
+}
+
+TEST(File, NegativeOffsetsGoBackFromTheEndAndFromThePosition)
+{
+    const TemporaryFolder folder;
+    putContent(folder / "file", "abcdef");
+    File file((folder / "file").c_str(), File::ReadMode, 0);
+    char read = 0;
+
+    EXPECT_EQ(file.seek(static_cast<std::uint32_t>(-2), SEEK_END), 0);
+    EXPECT_EQ(file.read(&read, 1), 1u);
+    EXPECT_EQ(read, 'e');
+    EXPECT_EQ(file.seek(static_cast<std::uint32_t>(-3), SEEK_CUR), 0);
+    EXPECT_EQ(file.read(&read, 1), 1u);
+    EXPECT_EQ(read, 'c');
+}
+
+TEST(File, OffsetsFromTheStartReachBeyondTwoGigabytes)
+{
+    const TemporaryFolder folder;
+    {
+        File file((folder / "sparse").c_str(), File::WriteMode, 0);
+        EXPECT_EQ(file.seek(3000000000u, SEEK_SET), 0);
+        EXPECT_EQ(file.write("x", 1), 1u);
+    }
+
+    EXPECT_EQ(std::filesystem::file_size(folder / "sparse"), 3000000001u);
 }
 
 TEST(File, ItsLengthIsTheResultOfTheSeek)
