@@ -1,5 +1,7 @@
 #include "shared/System/kvStream.h"
 #include "tests/support/Folders.h"
+#include "tests/support/Guards.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <gtest/gtest.h>
 
@@ -125,8 +127,9 @@ TEST(InputStream, AFalseTextLengthCostsLittle)
 {
     stringStream in(std::string("\xFF\xFF\xFF\x7F", 4) + "abc");
     String text("old");
-    EXPECT_FALSE(
-        in.Read(text)); // asking for two gigabytes at once would fail under the sanitizers' limit
+    const AllocationGuard guard;
+    EXPECT_FALSE(in.Read(text));
+    EXPECT_LE(guard.largest(), 64u * 1024);
     EXPECT_STREQ(text.c_str(), "old");
 }
 
@@ -252,6 +255,43 @@ TEST(StreamBuffer, NullMemoryHasNoSize)
     const Buffer buffer(new StreamBuffer(nullptr, 10));
     EXPECT_EQ(buffer->GetSize(), 0u);
 }
+
+TEST(StreamBuffer, AWriteBeyondFourGigabytesIsOutOfMemoryAndChangesNothing)
+{
+    const Buffer buffer = growable();
+    buffer->Write("abcdef", 6);
+    buffer->Seek(4, 0);
+    try {
+        buffer->Write("x", UINT32_MAX); // refused before the bytes are looked at
+        FAIL() << "more than 32 bits hold";
+    } catch (const StreamBufferException& exception) {
+        EXPECT_EQ(exception.GetId(), StreamBufferException::OutOfMemory);
+    }
+    EXPECT_EQ(bytesOf(*buffer), (std::vector<int>{'a', 'b', 'c', 'd', 'e', 'f'}));
+    EXPECT_EQ(buffer->Seek(0, 1), 4u);
+}
+
+#ifndef KV_SANITIZED // whose memory cannot be limited
+
+TEST(StreamBuffer, AGrowthWithoutMemoryThrowsAndChangesNothing)
+{
+    const Buffer buffer = growable();
+    buffer->Write("abcdef", 6);
+    buffer->Seek(4, 0);
+    const void* memory = buffer->GetBuffer();
+    try {
+        const MemoryLimit limit(std::size_t{16} << 20);
+        buffer->Grow(64u << 20);
+        FAIL() << "there was memory";
+    } catch (const StreamBufferException& exception) {
+        EXPECT_EQ(exception.GetId(), 1);
+    }
+    EXPECT_EQ(buffer->GetBuffer(), memory);
+    EXPECT_EQ(bytesOf(*buffer), (std::vector<int>{'a', 'b', 'c', 'd', 'e', 'f'}));
+    EXPECT_EQ(buffer->Seek(0, 1), 4u);
+}
+
+#endif
 
 TEST(StreamBuffer, EndAtPosCutsOrKeeps)
 {
