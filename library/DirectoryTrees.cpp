@@ -1,8 +1,8 @@
 #include "library/DirectoryTrees.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <string>
 
 namespace Korvanel::DirectoryTrees {
 
@@ -31,6 +31,13 @@ Node::Node(const String& name, Tree* parent)
     : mParent(parent)
     , mName(name)
 {
+    if (mParent != nullptr)
+        mParent->keep();
+}
+
+Node::~Node()
+{
+    release(mParent);
 }
 
 void Node::release()
@@ -201,26 +208,44 @@ int Tree::NumLeaves() const
     return count;
 }
 
+Node* Tree::named(const List& list, const char* name, int length)
+{
+    Node* node = list.first;
+    while (node != nullptr && !isNamed(*node, name, length))
+        node = node->next();
+    return node;
+}
+
+/// Where the part [start, end) of the path leads, as far as it exists.
+Tree* Tree::follow(const String& path, int start, int end)
+{
+    Tree* tree = this;
+    while (start < end) {
+        const int stop = std::min(componentEnd(path, start), end);
+        Node* below = named(tree->mTrees, path.c_str() + start, stop - start);
+        if (below == nullptr)
+            break;
+        tree = static_cast<Tree*>(below);
+        start = stop + 1;
+    }
+    return tree;
+}
+
 Tree* Tree::FindTree(const String& path, int start)
 {
-    if (path.IsEmpty() || start >= path.GetLength())
-        return this;
-    const int end = componentEnd(path, start);
-    for (Tree* tree = firstTree(); tree != nullptr; tree = static_cast<Tree*>(tree->next()))
-        if (isNamed(*tree, path.c_str() + start, end - start))
-            return tree->FindTree(path, end + 1);
-    return this;
+    return follow(path, start, path.GetLength());
 }
 
 Leaf* Tree::FindLeaf(const String& path, int start)
 {
-    const int end = componentEnd(path, start);
-    if (end < path.GetLength())
-        return FindTree(path.Left(end), 0)->FindLeaf(path.Mid(end + 1), 0);
-    for (Leaf* leaf = firstLeaf(); leaf != nullptr; leaf = static_cast<Leaf*>(leaf->next()))
-        if (isNamed(*leaf, path.c_str(), path.GetLength()))
-            return leaf;
-    return nullptr;
+    // `start` only says where the first separator is looked for: what it skips still counts.
+    Tree* tree = this;
+    int name = 0;
+    for (int end = path.Find(kSeparator, start); end >= 0; end = path.Find(kSeparator, name)) {
+        tree = tree->follow(path, name, end);
+        name = end + 1;
+    }
+    return static_cast<Leaf*>(named(tree->mLeaves, path.c_str() + name, path.GetLength() - name));
 }
 
 // Leaf --------------------------------------------------------------------------------------------

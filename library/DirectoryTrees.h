@@ -26,11 +26,12 @@ protected:
 };
 
 /// Counted by hand: whoever makes a node holds its first reference, and AddLeaf or AddTree takes it
-/// over. A tree holds one reference to each of its children.
+/// over. A tree holds one reference to each of its children; a node that its parent does not list,
+/// not yet or no more, holds one to its parent, which it may be asked for.
 class Node
 {
 protected:
-    virtual ~Node() = default; // the first slot
+    virtual ~Node(); // the first slot
 
 public:
     enum Flag : std::uint32_t {
@@ -38,7 +39,7 @@ public:
         ReadOnlyFlag = 2, ///< read from a volume: there is no file of its own behind it
     };
 
-    Node(const String& name, Tree* parent);
+    Node(const String& name, Tree* parent); ///< outside of the parent's lists
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
@@ -75,7 +76,7 @@ public:
 
     bool isReadOnly() const { return (mFlags & ReadOnlyFlag) != 0; }
 
-    Tree* parent() const { return mParent; } ///< null for a root, and once the parent is gone
+    Tree* parent() const { return mParent; } ///< null for a root, and once its tree is gone
 
     const String& name() const { return mName; }
 
@@ -136,7 +137,8 @@ public:
     /// Before `pos`, or at the end when that is null; `pos` is then the node inserted.
     void InsertLeaf(Leaf*& pos, Leaf* leaf);
     void InsertTree(Tree*& pos, Tree* tree);
-    /// Takes out what `pos` names, and moves `pos` on to its next sibling.
+    /// Takes out what `pos` names, and moves `pos` on to its next sibling. The node keeps its
+    /// parent.
     /// @return the node, with its reference, which is now the caller's
     Leaf* RemoveLeaf(Leaf*& pos);
     Tree* RemoveTree(Tree*& pos);
@@ -175,7 +177,9 @@ private:
     void addAll(List& list, std::vector<Node*>& nodes);
     void insert(List& list, Node* before, Node* node);
     void unlink(List& list, Node* node);
-    static void releaseAll(List& list);
+    void releaseAll(List& list);
+    static Node* named(const List& list, const char* name, int length);
+    Tree* follow(const String& path, int start, int end);
     static void writeList(OutputStream& stream, const List& list);
 
     List mLeaves;

@@ -1,9 +1,9 @@
 #include "library/FolderNode.h"
 
 #include "library/VolumeNode.h"
+#include "platform/os/WholeFile.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +26,8 @@ std::string_view extensionOf(std::string_view name)
 
 bool belongsToLibrary(std::string_view name, bool isFolder)
 {
-    if (name.starts_with('.'))
+    // A backslash separates the names of a path: one with it in could be listed and never found.
+    if (name.starts_with('.') || name.find('\\') != std::string_view::npos)
         return false;
     const std::string_view extension = extensionOf(name);
     return isFolder || extension == kPatternExtension || extension == kDescriptionExtension;
@@ -166,14 +167,8 @@ void FolderNode::RefreshBranches(Tree* fresh)
 
 void FolderNode::WriteVolumeTo(const char* path)
 {
-    const std::string beside = std::string(path) + ".part";
-    Korvanel::File file(beside.c_str(), Korvanel::File::WriteMode, 1);
-    if (!file.isOpen())
-        return;
-    Korvanel::SimpleStream<Korvanel::File> stream(file);
-    writeVolume(*this, stream);
-    const bool whole = std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0;
-    file.close();
-    if (!whole || std::rename(beside.c_str(), path) != 0)
-        std::remove(beside.c_str());
+    // Whole before it is written: what a plain leaf gives is a few bytes.
+    Korvanel::stringStream volume;
+    writeVolume(*this, volume);
+    platform::replaceWholeFile(path, volume.text());
 }

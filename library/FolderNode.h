@@ -1,5 +1,5 @@
 /// A folder on the disk as a tree of patterns: ".mid" files are its leaves, folders its sub-trees,
-/// a ".txt" file its description. Names that begin with "." are nobody's.
+/// a ".txt" file its description. Names that begin with "." or hold a backslash are nobody's.
 #pragma once
 #include "library/DirectoryTrees.h"
 #include "platform/os/FolderListing.h"
@@ -31,7 +31,8 @@ public:
     void RefreshBranches(Tree* fresh);
 
     /// Writes the folder as a volume file, with the leaves as Leaf::WriteTo has them. The file is
-    /// there when it is whole, or the old one stays; nothing is reported.
+    /// there when it is whole, or the old one stays (platform::replaceWholeFile); nothing is
+    /// reported.
     void WriteVolumeTo(const char* path);
 
 protected:

@@ -8,18 +8,17 @@
 namespace Korvanel {
 
 bool Pattern::LoadTo(CMidiTrack* track) const
-try {
+{
     if (track == nullptr || mLeaf == nullptr)
         return false;
-    const auto input = Ref<DirectoryTrees::InStream>::adopt(mLeaf->GetInput());
-    return input && track->Load(*input, nullptr, nullptr) == 0;
-
-} catch (const Exception&) {
-    return false;
-
-} catch (const std::exception&) {
-
-    return false;
+    try {
+        const auto input = Ref<DirectoryTrees::InStream>::adopt(mLeaf->GetInput());
+        return input && track->Load(*input, nullptr, nullptr) == 0;
+    } catch (const Exception&) {
+        return false;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 } // namespace Korvanel

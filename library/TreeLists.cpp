@@ -103,9 +103,9 @@ bool Tree::AddTree(Tree* tree)
 
 bool Tree::add(List& list, Node* node)
 {
+    // From the first, and not from the end, though most come in order: after a Rename the list need
+    // not be.
     Node* at = list.first;
-    if (list.last != nullptr && isBefore(list.last, node))
-        at = nullptr; // most come in order
     while (at != nullptr && isBefore(at, node))
         at = at->next();
     if (at != nullptr && isSameName(at, node))
@@ -167,6 +167,8 @@ void Tree::insert(List& list, Node* before, Node* node)
     if (before == nullptr)
         list.last = node;
     ++mListChanges;
+    if (node->mParent == this)
+        release(); // last: the node may have been the only one that held this tree
 }
 
 Leaf* Tree::RemoveLeaf(Leaf*& pos)
@@ -198,6 +200,8 @@ void Tree::unlink(List& list, Node* node)
     if (list.last == node)
         list.last = before;
     ++mListChanges;
+    if (node->mParent == this)
+        keep();
 }
 
 void Tree::releaseAll(List& list)
@@ -205,7 +209,8 @@ void Tree::releaseAll(List& list)
     for (Node* node = list.first; node != nullptr;) {
         Node* next = node->next();
         // Who still holds the child may ask it for its path: there is no parent to ask any more.
-        node->mParent = nullptr;
+        if (node->mParent == this)
+            node->mParent = nullptr;
         node->mNext = nullptr;
         node->mPrev = nullptr;
         node->release();

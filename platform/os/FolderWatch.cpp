@@ -1,5 +1,6 @@
 #include "platform/os/FolderWatch.h"
 
+#include "platform/os/Descriptor.h"
 #include "platform/os/InotifyFolder.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <mutex>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -77,14 +79,16 @@ struct FolderWatch::Subscription
     Pace pace;
 };
 
-/// The watching thread: it lives from the first FolderWatch to the last.
+/// The watching thread: it lives from the first FolderWatch that starts until the last one goes.
 class FolderWatch::Service
 {
 public:
-    /// The one of the process; made anew after the last owner of the former let it go.
+    /// The one of the process; made anew after the last owner of the former let it go. @return null
+    /// when the system has no descriptor or no thread left for it
     static std::shared_ptr<Service> shared();
 
-    Service();
+    /// Throws std::system_error when there is no thread left.
+    explicit Service(Descriptor wake);
     ~Service();
 
     void add(std::shared_ptr<Subscription> subscription);
@@ -100,7 +104,7 @@ private:
     void deliver(Subscription& subscription);
     bool begin(const Subscription& subscription);
 
-    const int mWake;
+    const Descriptor mWake;
     std::mutex mLock;
     std::condition_variable mCallEnded;
     List mSubscriptions;
@@ -115,15 +119,22 @@ std::shared_ptr<FolderWatch::Service> FolderWatch::Service::shared()
     static std::weak_ptr<Service> current;
     const std::lock_guard hold(lock);
     std::shared_ptr<Service> service = current.lock();
-    if (!service) {
-        service = std::make_shared<Service>();
-        current = service;
+    if (service)
+        return service;
+    Descriptor wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    if (!wake) // a thread that nothing wakes could never be ended
+        return nullptr;
+    try {
+        service = std::make_shared<Service>(std::move(wake));
+    } catch (const std::system_error&) {
+        return nullptr;
     }
+    current = service;
     return service;
 }
 
-FolderWatch::Service::Service()
-    : mWake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+FolderWatch::Service::Service(Descriptor wake)
+    : mWake(std::move(wake))
     , mThread([this] { run(); })
 {
 }
@@ -136,13 +147,12 @@ FolderWatch::Service::~Service()
     }
     wake();
     mThread.join();
-    ::close(mWake);
 }
 
 void FolderWatch::Service::wake() const
 {
     const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(mWake, &one, sizeof one);
+    [[maybe_unused]] const ssize_t written = ::write(mWake.get(), &one, sizeof one);
 }
 
 void FolderWatch::Service::add(std::shared_ptr<Subscription> subscription)
@@ -192,7 +202,7 @@ void FolderWatch::Service::run()
 
 void FolderWatch::Service::wait(const List& list, std::vector<pollfd>& descriptors) const
 {
-    descriptors.assign(1, {mWake, POLLIN, 0});
+    descriptors.assign(1, {mWake.get(), POLLIN, 0});
     int timeout = -1;
     for (const std::shared_ptr<Subscription>& subscription : list) {
         descriptors.push_back({subscription->folder.descriptor(), POLLIN, 0});
@@ -200,7 +210,7 @@ void FolderWatch::Service::wait(const List& list, std::vector<pollfd>& descripto
     }
     ::poll(descriptors.data(), descriptors.size(), timeout);
     std::uint64_t wakes = 0;
-    [[maybe_unused]] const ssize_t count = ::read(mWake, &wakes, sizeof wakes);
+    [[maybe_unused]] const ssize_t count = ::read(mWake.get(), &wakes, sizeof wakes);
 }
 
 void FolderWatch::Service::deliver(Subscription& subscription)
@@ -231,7 +241,6 @@ bool FolderWatch::Service::begin(const Subscription& subscription)
 
 FolderWatch::FolderWatch(std::function<void()> changed)
     : mChanged(std::move(changed))
-    , mService(Service::shared())
 {
 }
 
@@ -243,7 +252,8 @@ FolderWatch::~FolderWatch()
 void FolderWatch::end()
 {
     stop();
-    mService->waitForCallsTo(this);
+    if (mService != nullptr)
+        mService->waitForCallsTo(this);
 }
 
 bool FolderWatch::start(const std::string& folder)
@@ -252,6 +262,10 @@ bool FolderWatch::start(const std::string& folder)
     auto subscription = std::make_shared<Subscription>();
     subscription->owner = this;
     if (!subscription->folder.open(folder))
+        return false;
+    if (mService == nullptr)
+        mService = Service::shared();
+    if (mService == nullptr)
         return false;
     mSubscription = subscription;
     mService->add(std::move(subscription));

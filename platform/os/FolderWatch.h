@@ -7,9 +7,9 @@
 
 namespace platform {
 
-/// Changes of one folder. All watches of the process share one thread, which ends with the last
-/// FolderWatch. A burst of changes makes few calls: the first comes at once, the next ones at
-/// growing distances, and one always follows the last change.
+/// Changes of one folder. All watches of the process share one thread, which begins with the first
+/// that starts and ends with the last that goes. A burst of changes makes few calls: the first
+/// comes at once, the next ones at growing distances, and one always follows the last change.
 class FolderWatch
 {
 public:
@@ -22,7 +22,7 @@ public:
     /// Watches the folder in place of the one watched before. The folder may vanish and come back
     /// while it is watched; its parent is looked at for that. Thread: one at a time, or inside a
     /// call. @return false, watching nothing, when there is no such folder or the system has no
-    /// watches left
+    /// watches, descriptors or threads left; it may be tried again
     bool start(const std::string& folder);
 
     /// No call begins after this; one that has begun may still be running. Thread: as start.
@@ -39,7 +39,7 @@ private:
     struct Subscription;
 
     std::function<void()> mChanged;
-    std::shared_ptr<Service> mService;
+    std::shared_ptr<Service> mService; ///< null until a start has found it
     std::shared_ptr<Subscription> mSubscription;
 };
 

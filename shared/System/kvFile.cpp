@@ -71,7 +71,12 @@ bool File::seteof()
 
 int File::seek(std::uint32_t offset, int whence)
 {
-    return mFile == nullptr ? 0 : std::fseek(mFile, static_cast<long>(offset), whence);
+    if (mFile == nullptr)
+        return 0;
+    const bool fromStart = whence == SEEK_SET;
+    const long distance = fromStart ? static_cast<long>(offset)
+                                    : static_cast<long>(static_cast<std::int32_t>(offset));
+    return std::fseek(mFile, distance, whence);
 }
 
 std::uint32_t File::read(void* data, std::uint32_t size)

@@ -27,7 +27,9 @@ public:
     /// through here hold that number where a length would stand, and readers of them rely on it.
     virtual std::uint32_t length();
     virtual bool seteof(); ///< cuts the file at the position; false when that fails
-    virtual int seek(std::uint32_t offset, int whence); ///< as fseek; 0 when closed
+    /// As fseek; 0 when closed. From the position and from the end, offsets of 2 GB and more are
+    /// the negative numbers of 32 bits and go backwards.
+    virtual int seek(std::uint32_t offset, int whence);
     /// Reads one block whole. @return 1 when all of it came, else 0
     virtual std::uint32_t read(void* data, std::uint32_t size);
     /// Writes one block whole. @return 1 when all of it went, else 0

@@ -168,6 +168,8 @@ String Module::GetContentsPath()
 
 String Module::GetFolderPath()
 {
+    // However long it is, unlike the support folders: without it an effect would look for patterns
+    // in whatever folder its host happens to run.
     return sModLocation.parent.c_str();
 }
 

@@ -99,7 +99,7 @@ std::uint32_t StreamBuffer::Write(const void* data, std::uint32_t size)
 std::uint32_t StreamBuffer::Seek(std::uint32_t offset, int whence)
 {
     const std::uint32_t start = whence == 1 ? mPosition : whence == 2 ? mSize : 0;
-    const std::uint32_t target = offset > UINT32_MAX - start ? UINT32_MAX : start + offset;
+    const std::uint32_t target = start + offset; // wraps: callers go back by negative offsets
     if (target > mSize && mAllocator != nullptr)
         Grow(target);
     mPosition = std::min(target, mSize);

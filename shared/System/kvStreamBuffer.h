@@ -81,8 +81,8 @@ public:
     std::uint32_t Read(void* data, std::uint32_t size) override;
     /// @return `size`, or 0 for no bytes or null. Throws as Grow does.
     std::uint32_t Write(const void* data, std::uint32_t size) override;
-    /// As RandomAccess::Seek. A target beyond the end grows the buffer with zeros, or stops at the
-    /// end of fixed memory.
+    /// As RandomAccess::Seek; the sum wraps, so that 2^32 - n goes back by n. A target beyond the
+    /// end grows the buffer with zeros, or stops at the end of fixed memory.
     std::uint32_t Seek(std::uint32_t offset, int whence) override;
 
     void* GetBuffer() const override { return mData; }

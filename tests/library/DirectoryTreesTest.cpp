@@ -1,17 +1,8 @@
 #include "library/DirectoryTrees.h"
 
 #include "tests/library/TreeBuilder.h"
-#include "tests/support/Folders.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-
-namespace fs = std::filesystem;
-using Korvanel::String;
-using Korvanel::stringStream;
-using Korvanel::DirectoryTrees::FileInStream;
-using Korvanel::DirectoryTrees::InStream;
 
 namespace {
 
@@ -30,25 +21,6 @@ protected:
 
 private:
     int& mDeaths;
-};
-
-/// Runs a block in another working folder.
-class WorkingFolder
-{
-public:
-    explicit WorkingFolder(const fs::path& folder)
-        : mBefore(fs::current_path())
-    {
-        fs::current_path(folder);
-    }
-
-    WorkingFolder(const WorkingFolder&) = delete;
-    WorkingFolder& operator=(const WorkingFolder&) = delete;
-
-    ~WorkingFolder() { fs::current_path(mBefore); }
-
-private:
-    fs::path mBefore;
 };
 
 class DirectoryTrees : public testing::Test
@@ -80,6 +52,30 @@ TEST_F(DirectoryTrees, ASecondLeafOfANameStaysTheCallers)
 
     EXPECT_EQ(leavesOf(*root), (Names{"a.mid"}));
     second->release();
+}
+
+TEST_F(DirectoryTrees, ANameThatStandsOutOfOrderIsRefusedToo)
+{
+    addLeaf(*root, "b");
+    Leaf* at = root->firstLeaf();
+    root->InsertLeaf(at, new Leaf("z", root.get())); // as after a Rename
+    Owned<Leaf> second(new Leaf("z", root.get()));
+
+    EXPECT_FALSE(root->AddLeaf(second.get()));
+
+    EXPECT_EQ(leavesOf(*root), (Names{"z", "b"}));
+}
+
+TEST_F(DirectoryTrees, AmongLeavesOutOfOrderANewOneStandsBeforeTheFirstThatIsGreater)
+{
+    addLeaf(*root, "b");
+    Leaf* at = root->firstLeaf();
+    root->InsertLeaf(at, new Leaf("z", root.get()));
+
+    addLeaf(*root, "c");
+
+    EXPECT_EQ(leavesOf(*root), (Names{"c", "z", "b"}));
+    EXPECT_EQ(namesBack(root->lastLeaf()), (Names{"c", "z", "b"}));
 }
 
 TEST_F(DirectoryTrees, ALeafAndASubTreeMayShareAName)
@@ -225,347 +221,49 @@ TEST(DirectoryTreesOwnership, ALeafThatIsHeldOutlivesItsTreeAndForgetsIt)
     EXPECT_EQ(deaths, 1);
 }
 
+TEST(DirectoryTreesOwnership, ALeafTakenOutHoldsTheTreeThatItCameFrom)
+{
+    int deaths = 0;
+    auto* root = new Tree("/r", nullptr);
+    Tree* rock = addTree(*root, "Rock");
+    EXPECT_TRUE(rock->AddLeaf(new MortalLeaf("a.mid", rock, deaths)));
+    EXPECT_TRUE(rock->AddLeaf(new MortalLeaf("b.mid", rock, deaths)));
+    Leaf* at = rock->firstLeaf();
+    Leaf* taken = rock->RemoveLeaf(at);
+    root->RemoveTree(rock)->release();
+    root->release();
+
+    EXPECT_STREQ(taken->FullName().c_str(), "/r/Rock/a.mid");
+    EXPECT_EQ(deaths, 0);
+    taken->release();
+    EXPECT_EQ(deaths, 2);
+}
+
+TEST(DirectoryTreesOwnership, ALeafThatWasNeverListedHoldsItsParent)
+{
+    auto* root = new Tree("/r", nullptr);
+    auto* leaf = new Leaf("a.mid", root);
+
+    root->release();
+
+    EXPECT_STREQ(leaf->FullName().c_str(), "/r/a.mid");
+    leaf->release();
+}
+
+TEST(DirectoryTreesOwnership, ALeafPutBackHoldsItsTreeNoMore)
+{
+    int deaths = 0;
+    auto* root = new Tree("/r", nullptr);
+    EXPECT_TRUE(root->AddLeaf(new MortalLeaf("a.mid", root, deaths)));
+    Leaf* at = root->firstLeaf();
+    EXPECT_TRUE(root->AddLeaf(root->RemoveLeaf(at)));
+
+    root->release();
+
+    EXPECT_EQ(deaths, 1);
+}
+
 TEST(DirectoryTreesOwnership, ReleasingNothingDoesNothing)
 {
     Node::release(nullptr);
-}
-
-// Search ------------------------------------------------------------------------------------------
-
-TEST_F(DirectoryTrees, AnUnknownPathGivesItsDeepestFolder)
-{
-    EXPECT_EQ(root->FindTree("Rock\\Fills", 0), root.get());
-
-    Tree* rock = addTree(*root, "Rock");
-
-    EXPECT_EQ(root->FindTree("Rock\\Fills", 0), rock);
-    EXPECT_EQ(root->FindTree("rock", 0), root.get());
-}
-
-TEST_F(DirectoryTrees, AnEmptyPathIsTheTreeSearched)
-{
-    Tree* rock = addTree(*root, "Rock");
-
-    EXPECT_EQ(rock->FindTree("", 0), rock);
-    EXPECT_EQ(root->FindTree("Rock", 4), root.get());
-}
-
-TEST_F(DirectoryTrees, ATreeIsFoundFromAStartInThePath)
-{
-    Tree* rock = addTree(*root, "Rock");
-    Tree* fills = addTree(*rock, "Fills");
-
-    EXPECT_EQ(root->FindTree("Rock\\Fills", 0), fills);
-    EXPECT_EQ(rock->FindTree("Rock\\Fills", 5), fills);
-    EXPECT_EQ(root->FindTree("Rock\\Fills\\", 0), fills);
-}
-
-TEST_F(DirectoryTrees, ALeafIsFoundBelowItsFolder)
-{
-    Tree* rock = addTree(*root, "Rock");
-    Leaf* leaf = addLeaf(*rock, "Intro 1.mid");
-
-    EXPECT_EQ(root->FindLeaf("Rock\\Intro 1.mid", 0), leaf);
-    EXPECT_EQ(root->FindLeaf("Intro 1.mid", 0), nullptr);
-}
-
-TEST_F(DirectoryTrees, ALeafUnderAMissingFolderIsLookedUpInTheDeepestOne)
-{
-    Leaf* leaf = addLeaf(*root, "a.mid");
-
-    EXPECT_EQ(root->FindLeaf("Gone\\a.mid", 0), leaf);
-}
-
-TEST_F(DirectoryTrees, ASlashIsNoSeparator)
-{
-    addLeaf(*addTree(*root, "Rock"), "a.mid");
-    EXPECT_EQ(root->FindLeaf("Rock/a.mid", 0), nullptr);
-
-    Leaf* literal = addLeaf(*root, "Rock/a.mid");
-
-    EXPECT_EQ(root->FindLeaf("Rock/a.mid", 0), literal);
-}
-
-TEST_F(DirectoryTrees, LeavesAreCountedAllTheWayDown)
-{
-    EXPECT_EQ(root->NumLeaves(), 0);
-
-    addLeaf(*root, "a");
-    addLeaf(*addTree(*addTree(*root, "x"), "y"), "b");
-
-    EXPECT_EQ(root->NumLeaves(), 2);
-}
-
-// Paths -------------------------------------------------------------------------------------------
-
-TEST_F(DirectoryTrees, TheFullPathEndsInASlash)
-{
-    Tree* x = addTree(*root, "x");
-    String path;
-
-    x->FullPath(path);
-
-    EXPECT_EQ(x->FullPathSize(), 5);
-    EXPECT_STREQ(path.c_str(), "/r/x/");
-    EXPECT_EQ(path.GetLength(), 5);
-}
-
-TEST_F(DirectoryTrees, AFullNameIsThePathOnTheDisk)
-{
-    Leaf* leaf = addLeaf(*addTree(*root, "Rock"), "a.mid");
-
-    EXPECT_STREQ(leaf->FullName().c_str(), "/r/Rock/a.mid");
-    EXPECT_STREQ(root->FullName().c_str(), "/r");
-}
-
-TEST_F(DirectoryTrees, ARelativePathNeverHoldsTheRootsName)
-{
-    Tree* rock = addTree(*root, "Rock");
-    Tree* fills = addTree(*rock, "Fills");
-    Leaf* leaf = addLeaf(*fills, "a.mid");
-
-    EXPECT_STREQ(leaf->PathName(nullptr).c_str(), "Rock\\Fills\\a.mid");
-    EXPECT_STREQ(leaf->PathName(rock).c_str(), "Fills\\a.mid");
-    EXPECT_STREQ(fills->Path(root.get()).c_str(), "Rock\\Fills\\");
-    EXPECT_STREQ(rock->PathName(rock).c_str(), "");
-    EXPECT_STREQ(root->PathName(nullptr).c_str(), "/r");
-    EXPECT_STREQ(root->Path(nullptr).c_str(), "");
-}
-
-// Files -------------------------------------------------------------------------------------------
-
-TEST(DirectoryTreesFiles, ARenamedLeafKeepsItsPlaceInTheList)
-{
-    const TemporaryFolder folder;
-    putContent(folder / "a.mid", "x");
-    putContent(folder / "b.mid", "y");
-    Owned<Tree> root(new Tree(folder.path().c_str(), nullptr));
-    Leaf* a = addLeaf(*root, "a.mid");
-    addLeaf(*root, "b.mid");
-
-    a->Rename("z.mid");
-
-    EXPECT_EQ(leavesOf(*root), (Names{"z.mid", "b.mid"}));
-    EXPECT_EQ(contentOf(folder / "z.mid"), "x");
-    EXPECT_FALSE(fs::exists(folder / "a.mid"));
-}
-
-TEST(DirectoryTreesFiles, ARenameThatFailsChangesNothing)
-{
-    const TemporaryFolder folder;
-    Owned<Tree> root(new Tree(folder.path().c_str(), nullptr));
-    Leaf* gone = addLeaf(*root, "gone.mid");
-
-    gone->Rename("new.mid");
-
-    EXPECT_STREQ(gone->name().c_str(), "gone.mid");
-}
-
-TEST(DirectoryTreesFiles, RemovingALeafDeletesItsFileAndKeepsTheNode)
-{
-    const TemporaryFolder folder;
-    putContent(folder / "a.mid", "x");
-    Owned<Tree> root(new Tree(folder.path().c_str(), nullptr));
-    Leaf* a = addLeaf(*root, "a.mid");
-
-    a->Remove();
-
-    EXPECT_FALSE(fs::exists(folder / "a.mid"));
-    EXPECT_EQ(root->firstLeaf(), a);
-}
-
-TEST(DirectoryTreesFiles, RemovingATreeDeletesWhatItListsAndTheFileNamedStar)
-{
-    const TemporaryFolder folder;
-    fs::create_directories(folder / "Rock/Fills");
-    putContent(folder / "Rock/a.mid", "x");
-    putContent(folder / "Rock/*", "x");
-    putContent(folder / "Rock/Fills/b.mid", "x");
-    Owned<Tree> root(new Tree(folder.path().c_str(), nullptr));
-    Tree* rock = addTree(*root, "Rock");
-    addLeaf(*rock, "a.mid");
-    addLeaf(*addTree(*rock, "Fills"), "b.mid");
-
-    rock->Remove();
-
-    EXPECT_FALSE(fs::exists(folder / "Rock"));
-    EXPECT_EQ(root->firstTree(), rock);
-}
-
-TEST(DirectoryTreesFiles, AFolderWithOtherFilesInItStays)
-{
-    const TemporaryFolder folder;
-    fs::create_directories(folder / "Rock");
-    putContent(folder / "Rock/cover.png", "x");
-    Owned<Tree> root(new Tree(folder.path().c_str(), nullptr));
-
-    addTree(*root, "Rock")->Remove();
-
-    EXPECT_TRUE(fs::exists(folder / "Rock/cover.png"));
-}
-
-TEST(DirectoryTreesFiles, ALeafsInputReadsItsFile)
-{
-    const TemporaryFolder folder;
-    putContent(folder / "a.mid", "hello");
-    Owned<Tree> root(new Tree(folder.path().c_str(), nullptr));
-    InStream* input = addLeaf(*root, "a.mid")->GetInput();
-    char text[8] = {};
-
-    EXPECT_FALSE(input->IsEOF());
-    EXPECT_EQ(input->Read(static_cast<void*>(text), 7), 5u);
-
-    EXPECT_STREQ(text, "hello");
-    EXPECT_TRUE(input->IsEOF());
-    EXPECT_EQ(input->keepRef(), 2);
-    EXPECT_EQ(input->releaseRef(), 1);
-    EXPECT_EQ(input->releaseRef(), 0);
-}
-
-TEST(DirectoryTreesFiles, TheInputOfAMissingFileIsEmpty)
-{
-    Owned<Tree> root(new Tree("/nowhere", nullptr));
-    InStream* input = addLeaf(*root, "a.mid")->GetInput();
-    char byte = 0;
-
-    EXPECT_TRUE(input->IsEOF());
-    EXPECT_EQ(input->Read(static_cast<void*>(&byte), 1), 0u);
-    input->releaseRef();
-}
-
-TEST(DirectoryTreesFiles, InputsAreCountedAmongTheFrameworksBlocks)
-{
-    const auto before = Korvanel::Base::numAllocations.load();
-    InStream* input = new FileInStream("/nowhere", Korvanel::File::ReadMode);
-    EXPECT_EQ(Korvanel::Base::numAllocations.load(), before + 1);
-
-    input->releaseRef();
-
-    EXPECT_EQ(Korvanel::Base::numAllocations.load(), before);
-}
-
-// Serialised form ---------------------------------------------------------------------------------
-
-TEST_F(DirectoryTrees, AnEmptyTreeIsTwoEndMarks)
-{
-    stringStream bytes;
-
-    root->WriteTo(bytes);
-
-    EXPECT_EQ(bytes.text(), std::string(8, '\0'));
-}
-
-TEST_F(DirectoryTrees, RecordsAreLengthNameAndContent)
-{
-    addLeaf(*root, "ab"); // its file is missing: a length of 0 and no bytes
-    addTree(*root, "T");
-    stringStream bytes;
-
-    root->WriteTo(bytes);
-
-    const char expected[] = "\2\0\0\0ab\0\0\0\0" // the leaf
-                            "\0\0\0\0"           // no more leaves
-                            "\1\0\0\0T\0\0\0\0\0\0\0\0"
-                            "\0\0\0"; // no more sub-trees; the last byte is the literal's own
-    EXPECT_EQ(bytes.text(), std::string(expected, sizeof expected));
-}
-
-TEST(DirectoryTreesFiles, APlainLeafOfAWholeBlockIsWrittenAsOneByte)
-{
-    const TemporaryFolder folder;
-    putContent(folder / "big.mid", "M" + std::string(2000, 'x'));
-    const WorkingFolder here(folder.path());
-    Owned<Tree> root(new Tree("ignored", nullptr));
-    stringStream bytes;
-
-    addLeaf(*root, "big.mid")->WriteTo(bytes);
-
-    EXPECT_EQ(bytes.text(), std::string("\0\0\0\0M", 5));
-}
-
-TEST(DirectoryTreesFiles, APlainLeafBelowABlockIsWrittenAsNothing)
-{
-    const TemporaryFolder folder;
-    putContent(folder / "small.mid", std::string(1023, 'x'));
-    const WorkingFolder here(folder.path());
-    Owned<Tree> root(new Tree("ignored", nullptr));
-    stringStream bytes;
-
-    addLeaf(*root, "small.mid")->WriteTo(bytes);
-
-    EXPECT_EQ(bytes.text(), std::string(4, '\0'));
-}
-
-// Slots -------------------------------------------------------------------------------------------
-
-namespace {
-
-/// What a caller compiled elsewhere believes a tree's operations to be, in their order.
-class TreeSlots
-{
-public:
-    virtual ~TreeSlots() = default;
-    virtual void WriteTo(Korvanel::OutputStream&) = 0;
-    virtual void Rename(const String&) = 0;
-    virtual void Remove() = 0;
-    virtual String GetDescription() = 0;
-    virtual String GetDescriptionNoPath() = 0;
-    virtual void SetDescription(const String&) = 0;
-    virtual String Path(Tree*) = 0;
-    virtual int FullPathSize() = 0;
-    virtual void AppendFullPath(char*) = 0;
-    virtual void MakeNode() = 0;
-};
-
-class LeafSlots
-{
-public:
-    virtual ~LeafSlots() = default;
-    virtual void WriteTo(Korvanel::OutputStream&) = 0;
-    virtual void Rename(const String&) = 0;
-    virtual void Remove() = 0;
-    virtual String GetDescription() = 0;
-    virtual String GetDescriptionNoPath() = 0;
-    virtual void SetDescription(const String&) = 0;
-    virtual InStream* GetInput() = 0;
-};
-
-/// The object as a caller sees it who knows the order of the slots only.
-template <typename Slots>
-Slots& through(void* object)
-{
-    return *static_cast<Slots*>(object);
-}
-
-} // namespace
-
-TEST_F(DirectoryTrees, ATreesOperationsStandInTheirSlots)
-{
-    Tree* x = addTree(*root, "x");
-    stringStream bytes;
-    char path[8] = {};
-    auto& slots = through<TreeSlots>(static_cast<void*>(x));
-
-    slots.WriteTo(bytes);
-    EXPECT_EQ(bytes.text().size(), 8u);
-    EXPECT_STREQ(slots.GetDescription().c_str(), "");
-    EXPECT_STREQ(slots.Path(nullptr).c_str(), "x\\");
-    EXPECT_EQ(slots.FullPathSize(), 5);
-    slots.AppendFullPath(path);
-    EXPECT_STREQ(path, "/r/x/");
-    slots.MakeNode();
-}
-
-TEST_F(DirectoryTrees, ALeafsOperationsStandInTheirSlots)
-{
-    Leaf* leaf = addLeaf(*root, "a");
-    stringStream bytes;
-    auto& slots = through<LeafSlots>(static_cast<void*>(leaf));
-
-    slots.WriteTo(bytes);
-    EXPECT_EQ(bytes.text().size(), 4u);
-    EXPECT_STREQ(slots.GetDescriptionNoPath().c_str(), "");
-    InStream* input = slots.GetInput();
-    EXPECT_TRUE(input->IsEOF());
-    input->releaseRef();
 }

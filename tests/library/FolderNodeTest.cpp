@@ -2,6 +2,7 @@
 
 #include "library/VolumeNode.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/LibraryFolder.h"
 
 #include <gtest/gtest.h>
@@ -121,6 +122,19 @@ TEST_F(FolderNodeTest, AFolderNamedLikeAPatternIsAFolder)
     EXPECT_EQ(treesOf(*root), (Names{"x.mid"}));
 }
 
+TEST_F(FolderNodeTest, NamesThatNoPathCanHoldAreLeftOut)
+{
+    folder.put("a\\b.mid");
+    folder.put("R\\S/c.mid");
+    folder.put("about\\it.txt");
+    folder.put("a.mid");
+
+    scan();
+
+    EXPECT_EQ(pathsOf(*root), (Names{"a.mid"}));
+    EXPECT_STREQ(root->GetDescriptionNoPath().c_str(), "");
+}
+
 TEST_F(FolderNodeTest, WhatIsStillThereKeepsItsNode)
 {
     folder.put("Rock/a.mid");
@@ -143,6 +157,22 @@ TEST_F(FolderNodeTest, WhatIsStillThereKeepsItsNode)
     EXPECT_EQ(leaf("Rock\\c.mid"), c);
     EXPECT_EQ(b->next(), nullptr);
     b->release(); // the last reference: the tree has let it go
+}
+
+TEST_F(FolderNodeTest, APatternThatIsHeldKnowsItsPathWhenItsStyleVanishesAfterIt)
+{
+    folder.put("Rock/a.mid");
+    scan();
+    Leaf* held = leaf("Rock\\a.mid");
+    held->keep();
+    folder.remove("Rock/a.mid");
+    scan();
+    folder.remove("Rock");
+    scan();
+
+    EXPECT_STREQ(held->FullName().c_str(), (folder / "Rock/a.mid").c_str());
+    EXPECT_STREQ(held->PathName(root.get()).c_str(), "Rock\\a.mid");
+    held->release();
 }
 
 TEST_F(FolderNodeTest, AStyleThatVanishesTakesItsPatternsWithIt)
@@ -310,9 +340,35 @@ TEST_F(FolderNodeTest, AVolumeThatCannotBeWrittenLeavesTheOldOne)
 {
     const LibraryFolder out;
     out.put("v", "old");
-    out.makeFolder("v.part"); // in the way of the new one
+    out.makeFolder(".v.new"); // in the way of the new one
 
     root->WriteVolumeTo((out / "v").c_str());
 
     EXPECT_EQ(contentOf(out / "v"), "old");
+}
+
+TEST_F(FolderNodeTest, AVolumeThatDoesNotFitLeavesTheOldOneAndNothingElse)
+{
+    folder.put(std::string(200, 'n') + ".mid");
+    scan();
+    const LibraryFolder out;
+    out.put("v", "old");
+    {
+        const FileSizeLimit limit(100);
+        root->WriteVolumeTo((out / "v").c_str());
+    }
+
+    EXPECT_EQ(contentOf(out / "v"), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(out.path()), {}), 1);
+}
+
+TEST_F(FolderNodeTest, WritingAVolumeLeavesTheFilesBesideItAlone)
+{
+    const LibraryFolder out;
+    out.put("v.part", "somebody's");
+
+    root->WriteVolumeTo((out / "v").c_str());
+
+    EXPECT_EQ(contentOf(out / "v.part"), "somebody's");
+    EXPECT_EQ(contentOf(out / "v").substr(0, 8), "Korvanel");
 }

@@ -3,6 +3,7 @@
 #include "library/FolderNode.h"
 #include "midi/CMidiTrack.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/DescriptorLimit.h"
 #include "tests/support/LibraryFolder.h"
 #include "tests/support/Waiting.h"
 
@@ -249,6 +250,22 @@ TEST_F(PatternTreeTest, AfterTheListenerIsDestroyedNothingIsWatchedAgain)
     tree->setNotifyProc(notified);
 
     EXPECT_FALSE(tree->isWatching());
+}
+
+TEST_F(PatternTreeTest, ALibraryOpenedWithoutDescriptorsIsEmptyUntilThereAreSome)
+{
+    folder.put("User/a.mid");
+    {
+        const DescriptorLimit limit(0);
+        open();
+        EXPECT_EQ(leaves(), 0);
+        EXPECT_FALSE(tree->isWatching());
+    }
+
+    tree->update();
+
+    EXPECT_EQ(leaves(), 1);
+    EXPECT_TRUE(tree->isWatching());
 }
 
 TEST_F(PatternTreeTest, AThousandFilesMakeAHandfulOfCallsAndTheRightTree)

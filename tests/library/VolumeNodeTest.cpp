@@ -4,6 +4,7 @@
 #include "library/Pattern.h"
 #include "midi/CMidiTrack.h"
 #include "tests/library/TreeBuilder.h"
+#include "tests/support/Guards.h"
 #include "tests/support/LibraryFolder.h"
 
 #include <gtest/gtest.h>
@@ -147,12 +148,25 @@ TEST(VolumeNodeTest, EveryTruncationGivesWhatStandsBeforeIt)
 
 TEST(VolumeNodeTest, ADeclaredLengthBeyondTheFileCostsOnlyWhatTheFileHolds)
 {
-    Volume volume(kHeader + text("a.mid") + number(0xffffffff) + "abc");
+    const std::string bytes = kHeader + text("a.mid") + number(0xffffffff) + "abc";
+    const AllocationGuard guard;
+    Volume volume(bytes);
 
+    EXPECT_LE(guard.largest(), 64u * 1024);
     auto* leaf = static_cast<InFileTerminalNode*>(volume->firstLeaf());
     ASSERT_NE(leaf, nullptr);
     EXPECT_EQ(leaf->data().size(), 3u);
     EXPECT_EQ(leaf->data().capacity(), 3u);
+}
+
+TEST(VolumeNodeTest, ADeclaredNameBeyondTheFileCostsOnlyWhatTheFileHolds)
+{
+    const std::string bytes = kHeader + number(0xffffffff) + "abc";
+    const AllocationGuard guard;
+    Volume volume(bytes);
+
+    EXPECT_LE(guard.largest(), 64u * 1024);
+    EXPECT_EQ(volume->NumLeaves(), 0);
 }
 
 TEST(VolumeNodeTest, RecordsOutOfOrderAreSortedAndOfTwoTheFirstStays)

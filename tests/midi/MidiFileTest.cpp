@@ -393,6 +393,18 @@ TEST_F(MidiFile, ATempoEventAlsoTimesTheTicksBeforeIt)
     EXPECT_EQ(tick2msec(block, 100, 480), 52); // inside the segment, at its own tempo
 }
 
+TEST_F(MidiFile, MillisecondsThatEndInsideASegmentTakeTheTempoOfTheEventThatEndsIt)
+{
+    // 480 ticks of 250 ms, 480 ticks of a second, and so on at that tempo.
+    const _track* block = track({0x83, 0x60, 0xFF, 0x51, 3,    0x03, 0xD0, 0x90, 0x83, 0x60,
+                                 0xFF, 0x51, 3,    0x0F, 0x42, 0x40, 0,    0xFF, 0x2F, 0});
+    EXPECT_EQ(msec2tick(block, 100, 480), 192);
+    EXPECT_EQ(msec2tick(block, 249, 480), 478); // 478.08
+    EXPECT_EQ(msec2tick(block, 250, 480), 480);
+    EXPECT_EQ(msec2tick(block, 750, 480), 720);
+    EXPECT_EQ(msec2tick(block, 1750, 480), 1200);
+}
+
 TEST_F(MidiFile, ADivisionOfNoneConvertsToSomethingHarmless)
 {
     const _track* block = track({0, 0xFF, 0x51, 3, 0, 0, 0, 0, 0xFF, 0x2F, 0});

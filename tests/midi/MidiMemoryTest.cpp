@@ -1,35 +1,19 @@
 // Files that need more memory than there is. A child process is given little and says how it went.
 #include "midi/MidiFile.h"
 #include "tests/midi/MidiBytes.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
-#include <sys/resource.h>
-#include <unistd.h>
 
 using namespace Korvanel;
 
 namespace {
 
 constexpr int kAsExpected = 7;
-
-/// From now on this process may take `more` bytes beyond what it has.
-void allowMemory(std::size_t more)
-{
-    long pages = 0;
-    if (std::FILE* statm = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(statm, "%ld", &pages) != 1)
-            pages = 0;
-        std::fclose(statm);
-    }
-    const rlim_t limit = static_cast<rlim_t>(pages * ::sysconf(_SC_PAGESIZE)) + more;
-    const rlimit both{limit, limit};
-    ::setrlimit(RLIMIT_AS, &both);
-}
 
 /// A file whose first track never runs out of bytes.
 class Endless : public stringStream
@@ -53,7 +37,7 @@ int loadEndless()
     Endless stream(text(bytes));
     MIDIFILE file;
     mf_init(&file);
-    allowMemory(std::size_t{32} << 20);
+    const MemoryLimit limit(std::size_t{32} << 20);
     const int result = mf_load(&file, stream);
     mf_free(&file);
     return result;
@@ -67,7 +51,7 @@ bool keepsItsNotesWithoutMemory()
     track.name = "old";
     const std::string bytes = text(midiFile(96, {Bytes(std::size_t{8} << 20)}));
     stringStream stream(bytes);
-    allowMemory(std::size_t{16} << 20);
+    const MemoryLimit limit(std::size_t{16} << 20);
     try {
         track.Load(stream, nullptr, nullptr);
         return false;

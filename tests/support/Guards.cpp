@@ -1,5 +1,6 @@
 #include "tests/support/Guards.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -7,12 +8,20 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
 thread_local std::size_t tAllocations = 0;
+thread_local std::size_t tLargest = 0;
 thread_local std::size_t tLocks = 0;
 thread_local std::size_t tFiles = 0;
+
+void countAllocation(std::size_t size)
+{
+    ++tAllocations;
+    tLargest = std::max(tLargest, size);
+}
 
 } // namespace
 
@@ -25,9 +34,9 @@ extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const 
 
 namespace {
 
-void onAllocation(const volatile void*, std::size_t)
+void onAllocation(const volatile void*, std::size_t size)
 {
-    ++tAllocations;
+    countAllocation(size);
 }
 
 void onFree(const volatile void*) {}
@@ -49,19 +58,19 @@ void* __libc_realloc(void* block, std::size_t size);
 
 void* malloc(std::size_t size)
 {
-    ++tAllocations;
+    countAllocation(size);
     return __libc_malloc(size);
 }
 
 void* calloc(std::size_t count, std::size_t size)
 {
-    ++tAllocations;
+    countAllocation(count * size);
     return __libc_calloc(count, size);
 }
 
 void* realloc(void* block, std::size_t size)
 {
-    ++tAllocations;
+    countAllocation(size);
     return __libc_realloc(block, size);
 }
 
@@ -113,12 +122,23 @@ std::FILE* fopen(const char* path, const char* mode)
 
 AllocationGuard::AllocationGuard()
     : mBefore(tAllocations)
+    , mLargestBefore(std::exchange(tLargest, 0))
 {
+}
+
+AllocationGuard::~AllocationGuard()
+{
+    tLargest = std::max(tLargest, mLargestBefore); // for the guard around this one
 }
 
 std::size_t AllocationGuard::count() const
 {
     return tAllocations - mBefore;
+}
+
+std::size_t AllocationGuard::largest() const
+{
+    return tLargest;
 }
 
 LockCounter::LockCounter()

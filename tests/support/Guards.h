@@ -9,11 +9,14 @@ public:
     AllocationGuard();
     AllocationGuard(const AllocationGuard&) = delete;
     AllocationGuard& operator=(const AllocationGuard&) = delete;
+    ~AllocationGuard();
 
     std::size_t count() const;
+    std::size_t largest() const; ///< bytes of the largest of them, whether it was granted or not
 
 private:
     std::size_t mBefore;
+    std::size_t mLargestBefore;
 };
 
 /// Counts the mutexes that this thread locks while it lives. Sanitizers put their own locks in

@@ -22,6 +22,21 @@ TEST(AllocationGuard, CountsTheCHeap)
     EXPECT_EQ(guard.count(), 1u);
 }
 
+TEST(AllocationGuard, KnowsTheLargestOfAllThatItSaw)
+{
+    AllocationGuard guard;
+    {
+        AllocationGuard inner;
+        const auto large = std::make_unique<char[]>(5000);
+        EXPECT_EQ(inner.largest(), 5000u);
+    }
+    const auto small = std::make_unique<char[]>(10);
+    EXPECT_EQ(guard.largest(), 5000u);
+
+    AllocationGuard later;
+    EXPECT_EQ(later.largest(), 0u);
+}
+
 TEST(LockCounter, CountsALock)
 {
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;

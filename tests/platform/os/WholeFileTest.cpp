@@ -1,12 +1,11 @@
 #include "platform/os/WholeFile.h"
 
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/Folders.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
-#include <sys/resource.h>
 
 using platform::createWholeFile;
 using platform::FileCreation;
@@ -44,16 +43,8 @@ TEST(CreateWholeFile, NoFolderIsAFailure)
 TEST(CreateWholeFile, NothingRemainsOfAFileThatDoesNotFit)
 {
     const TemporaryFolder folder;
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{1000, before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const FileSizeLimit limit(1000);
 
-    const FileCreation result = createWholeFile(folder / "large", std::string(5000, 'x'));
-
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, SIG_DFL);
-    EXPECT_EQ(result, FileCreation::Failed);
+    EXPECT_EQ(createWholeFile(folder / "large", std::string(5000, 'x')), FileCreation::Failed);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }

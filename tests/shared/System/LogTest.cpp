@@ -113,6 +113,43 @@ TEST_F(Log, WithoutAFileFlagOnlyTheTitleIsSet)
     EXPECT_EQ(log.openLog("title", nullptr, 0, path()), 1);
     EXPECT_EQ(log.descriptor(), -1);
     EXPECT_TRUE(text().empty());
+
+    IOLogOpen("A: ", nullptr, LogFile::Truncate, path());
+    IOLogOpen("B: ", nullptr, 0, path());
+    IOLog("x\n");
+    EXPECT_NE(text().find("\nB: x\n"), std::string::npos);
+}
+
+TEST_F(Log, WithoutAFileFlagLinesAreDropped)
+{
+    testing::internal::CaptureStdout();
+    IOLogOpen("title", nullptr, 0, path());
+    IOLog("dropped\n");
+    IOPrint("dropped\n");
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_TRUE(text().empty());
+}
+
+TEST_F(Log, TruncatingWinsOverAppending)
+{
+    std::ofstream(path()) << "old\n";
+    IOLogOpen(nullptr, nullptr, 2 | 4, path());
+    EXPECT_EQ(text().find("old"), std::string::npos);
+    EXPECT_EQ(text().rfind("Loaded at ", 0), 0u);
+}
+
+TEST_F(Log, AFileMayBeMeantInTmp)
+{
+    const std::string name = "kv-log-" + std::to_string(::getpid()) + ".log";
+    IOLogOpen(nullptr, "Looper", 0x4000 | 2, name.c_str());
+    IOLogClose();
+
+    std::ifstream file("/tmp/" + name);
+    std::string line;
+    std::getline(file, line);
+    EXPECT_EQ(line.rfind("Looper; loaded at ", 0), 0u);
+    std::filesystem::remove("/tmp/" + name);
 }
 
 TEST_F(Log, ADisabledLogDoesNotOpen)

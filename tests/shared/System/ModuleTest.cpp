@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <unistd.h>
@@ -164,7 +165,8 @@ TEST_F(Modules, TheirBundleIsThreeLevelsAboveTheirFile)
 
 TEST_F(Modules, AHostThatLiesInNoBundleHasItsOwnFolder)
 {
-    EXPECT_EQ(text(Module::getMainBundle().folder), self().parent_path().string() + "/");
+    const Bundle host = Module::getMainBundle();
+    EXPECT_EQ(text(host.folder), self().parent_path().string() + "/");
 }
 
 TEST_F(Modules, TheProfileKeepsNumbersAndTexts)
@@ -228,6 +230,47 @@ TEST_F(Modules, TheProfileOfAllUsersIsAnother)
     Module::Init("Looper", nullptr);
     Module::WriteProfileInt("", "kv-test-entry", 20, false);
     EXPECT_EQ(Module::GetProfileInt("", "kv-test-entry", 5, true), 5);
+}
+
+TEST_F(Modules, TheirFolderMayLieDeeperThanACallersBuffer)
+{
+    const std::string deep = std::string(200, 'd') + "/" + std::string(200, 'e') + "/";
+    const std::string file = executable(deep + "Looper.bundle/Contents/Linux/Looper.so");
+    EXPECT_EQ(Module::Init(file.c_str(), "Looper", nullptr), 0);
+    EXPECT_EQ(text(Module::GetFolderPath()), folder / deep);
+}
+
+namespace {
+
+/// Becomes a copy of this program whose folder is gone, and runs one test there.
+void runWithoutFolder(const std::string& test)
+{
+    const std::string filter = "--gtest_filter=" + test;
+    int copied = -1;
+    {
+        const TemporaryFolder gone;
+        fs::create_directories(gone / "Looper.bundle/Contents/Linux");
+        const std::string copy = gone / "Looper.bundle/Contents/Linux/program";
+        fs::copy_file(self(), copy);
+        copied = ::open(copy.c_str(), O_RDONLY | O_CLOEXEC);
+    }
+    std::string program = "program";
+    char* arguments[] = {program.data(), const_cast<char*>(filter.c_str()), nullptr};
+    ::fexecve(copied, arguments, environ);
+}
+
+} // namespace
+
+TEST(ModuleDeathTest, AModuleWhoseBundleIsGoneHasNone)
+{
+    EXPECT_DEATH(runWithoutFolder("Modules.TheirBundleIsThreeLevelsAboveTheirFile"),
+                 "shared/System/kvModule:[0-9]+: failed assertion `ref != 0'");
+}
+
+TEST(ModuleDeathTest, AHostWhoseFolderIsGoneHasNoBundle)
+{
+    EXPECT_DEATH(runWithoutFolder("Modules.AHostThatLiesInNoBundleHasItsOwnFolder"),
+                 "shared/System/kvModule:[0-9]+: failed assertion `mainBundle != 0'");
 }
 
 TEST(ModuleDeathTest, TheProfileIsNotThereBeforeInit)

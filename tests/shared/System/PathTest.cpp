@@ -1,5 +1,6 @@
 #include "shared/System/kvPath.h"
 #include "shared/System/kvSwap.h"
+#include "tests/support/Folders.h"
 
 #include <gtest/gtest.h>
 
@@ -76,6 +77,21 @@ TEST(Path, ALinkResolvesToItsTarget)
     EXPECT_EQ(FullPathResolveAlias(nullptr, isFolder, size, nullptr), -50);
     EXPECT_EQ(FullPathResolveAlias((folder / "missing").c_str(), isFolder, size, nullptr), -43);
     fs::remove_all(folder);
+}
+
+TEST(Path, ALinkToAFolderResolvesToAFolder)
+{
+    const TemporaryFolder folder;
+    fs::create_directory(folder / "target");
+    fs::create_symlink("target", folder / "link");
+    unsigned char isFolder = 0;
+    std::array<char, 4096> target{};
+    std::uint32_t size = target.size();
+
+    EXPECT_EQ(FullPathResolveAlias((folder / "link").c_str(), isFolder, size, target.data()), 0);
+
+    EXPECT_EQ(isFolder, 1);
+    EXPECT_EQ(std::string(target.data()), fs::canonical(folder / "target").string());
 }
 
 TEST(Path, AReferenceGivesItsPathBack)
