@@ -17,12 +17,6 @@ struct ReleaseBuffer
     void operator()(StreamBuffer* buffer) const { buffer->Release(); }
 };
 
-void store(int* target, std::int32_t value)
-{
-    if (target != nullptr)
-        *target = value;
-}
-
 } // namespace
 
 std::int32_t NullMidiContext::BarPosition(int bar, int beat, int tick)
@@ -32,9 +26,9 @@ std::int32_t NullMidiContext::BarPosition(int bar, int beat, int tick)
 
 void NullMidiContext::GetBar(std::int32_t at, int* bar, int* beat, int* tick)
 {
-    store(bar, at / kNullPpq / kNullBeats);
-    store(beat, at / kNullPpq % kNullBeats);
-    store(tick, at % kNullPpq);
+    storeTicks(bar, at / kNullPpq / kNullBeats);
+    storeTicks(beat, at / kNullPpq % kNullBeats);
+    storeTicks(tick, at % kNullPpq);
 }
 
 void MidiEffectEditor::getEditorSize(int*, int*) {}
