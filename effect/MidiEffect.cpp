@@ -3,19 +3,12 @@
 #include "midi/TickMath.h"
 #include "shared/System/kvStream.h"
 
-#include <memory>
-
 namespace Korvanel {
 
 namespace {
 
 constexpr std::int32_t kNullPpq = 480;
 constexpr std::int32_t kNullBeats = 4;
-
-struct ReleaseBuffer
-{
-    void operator()(StreamBuffer* buffer) const { buffer->Release(); }
-};
 
 } // namespace
 
@@ -42,7 +35,7 @@ void MidiEffectEditor::remove() {}
 
 void MidiEffect::LoadFrom(void* data, std::uint32_t size)
 {
-    const std::unique_ptr<StreamBuffer, ReleaseBuffer> buffer(new StreamBuffer(data, size));
+    const OwnedStreamBuffer buffer(new StreamBuffer(data, size));
     MemoryStream stream(*buffer);
     LoadFrom(stream);
 }
