@@ -74,8 +74,7 @@ void CLooper::save_track(Korvanel::OutputStream& stream, int repeat, IMfxMeterMa
     OfflineProcessContext context(pattern);
     // The tempo type does not count here: at half tempo the file holds half as many repetitions, at
     // double tempo twice as many. What is dragged out always fills the same bars.
-    const std::int64_t total =
-        toTicks(std::int64_t{pattern.numberOfBars()} * pattern.barLength() * repeat);
+    const std::int64_t total = toTicks(pattern.barsLength() * repeat);
     Korvanel::CriticalSection privateLock;
     Korvanel::Looper looper(pattern, privateLock, context, &mParams);
     looper.TempoType(tempoType());
