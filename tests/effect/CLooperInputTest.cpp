@@ -22,6 +22,16 @@ TEST_F(Effect, TheVelocityControllerIsOnChannel16Only)
     EXPECT_EQ(firstVelocity(), 80);
 }
 
+TEST_F(Effect, TheVelocityControllerIsTakenAndKeptEvenWhileItIsNotUsed)
+{
+    effect.Enable();
+    effect.useVelocity(false);
+    EXPECT_EQ(input(0xBF, 127, 40), 0u);
+    EXPECT_EQ(firstVelocity(), 100);
+    effect.useVelocity(true);
+    EXPECT_EQ(firstVelocity(), 80);
+}
+
 TEST_F(Effect, TheVelocityControllerHasACurve)
 {
     effect.Enable();

@@ -2,6 +2,7 @@
 #include "shared/System/kvLog.h"
 #include "tests/effect/EffectFixture.h"
 #include "tests/support/Folders.h"
+#include "tests/support/Guards.h"
 
 using namespace Korvanel;
 
@@ -43,4 +44,40 @@ TEST_F(Effect, ALoopWritesItsStopBeforeItsStart)
     IOLogClose();
     EXPECT_NE(contentOf(folder / "log").find("  stop at: 3839\n  start at: 0\n"),
               std::string::npos);
+}
+
+TEST(CLooper, ALoopStopsAndStartsAsTheEffectDoes)
+{
+    struct Derived : CLooper
+    {
+        void processStart(std::int32_t tick) override { told += "start " + std::to_string(tick); }
+
+        void processStop(std::int32_t tick) override
+        {
+            told += "stop " + std::to_string(tick) + ", ";
+        }
+
+        std::string told;
+    } effect;
+
+    effect.processLoop(480, 3839);
+    EXPECT_EQ(effect.told, "stop 3839, start 480");
+}
+
+TEST(CLooper, DisconnectedItHearsOfNoLibraryChangeHoweverOftenItWasConnected)
+{
+    CLooper effect;
+    {
+        const LeakAllowance earlierLooper;
+        effect.connect(&defaultProcessContext);
+    }
+    effect.connect(&defaultProcessContext);
+    Witness witness;
+    effect.AddLooperListener(&witness);
+    CLooper::on_tree_change();
+    EXPECT_EQ(witness.told, "tt");
+    effect.disconnect();
+    CLooper::on_tree_change();
+    EXPECT_EQ(witness.told, "ttd");
+    effect.RemoveLooperListener(&witness);
 }

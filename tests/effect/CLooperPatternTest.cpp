@@ -1,7 +1,6 @@
-#include "effect/CLooper.h"
 #include "shared/System/kvModule.h"
 #include "shared/System/kvStream.h"
-#include "tests/effect/Fakes.h"
+#include "tests/effect/EffectFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -71,6 +70,31 @@ TEST_F(Patterns, ALibraryNameLoadsItsFileAndIsReportedBack)
     EXPECT_STREQ(effect.GetPatternName().c_str(), "Intro");
 }
 
+TEST_F(Patterns, TheHostsChoiceIsLoadedAndNotSelected)
+{
+    Witness witness;
+    effect.AddLooperListener(&witness);
+    choose("Missing");
+    EXPECT_EQ(witness.told, "");
+    choose("Rock\\Intro");
+    EXPECT_EQ(witness.told, "l");
+    effect.RemoveLooperListener(&witness);
+}
+
+TEST_F(Patterns, TheLibraryIsWhereTheEffectSays)
+{
+    struct Elsewhere : CLooper
+    {
+        String GetPatternsDir() override { return folder.c_str(); }
+
+        std::string folder;
+    } elsewhere;
+
+    elsewhere.folder = root;
+    IKVSSExStrumwerks::Pattern record{0, 0, 0, "Rock\\Intro"};
+    EXPECT_TRUE(elsewhere.SetCurrentPattern(&record));
+}
+
 TEST_F(Patterns, ANameWithoutAStyleKeepsTheStyle)
 {
     effect.SetCurrentStyle("Jazz");
@@ -80,6 +104,7 @@ TEST_F(Patterns, ANameWithoutAStyleKeepsTheStyle)
 
 TEST_F(Patterns, AFileNameIsReportedWholeAndHasNoStyle)
 {
+    effect.SetCurrentStyle("Jazz");
     const std::string name = "file://" + (root / "Loose.mid").string();
     ASSERT_TRUE(choose(name));
     EXPECT_EQ(chosen(), "\\" + name);
@@ -171,6 +196,21 @@ TEST_F(Patterns, ObserversHearOfAPatternFromAStreamOnceForEachTimeTheyWereAdded)
     effect.LoadTrack(again, nullptr);
     EXPECT_EQ(observer.told, 2);
     EXPECT_STREQ(effect.GetPatternName().c_str(), ""); // the file has no name
+}
+
+TEST_F(Patterns, AfterTheLastObserverAnotherListenerIsTheFirst)
+{
+    Observer observer;
+    effect.AddObserver(&observer);
+    Witness witness;
+    effect.AddLooperListener(&witness);
+    effect.Enable();
+    effect.process_input({0, 0xC0, 7, 0, 0, 0});
+    EXPECT_EQ(witness.told, "u");
+    effect.RemoveObserver(&observer);
+    effect.process_input({0, 0xC0, 7, 0, 0, 0});
+    EXPECT_EQ(witness.told, "up7");
+    effect.RemoveLooperListener(&witness);
 }
 
 TEST_F(Patterns, ADamagedStreamChangesNothing)

@@ -182,6 +182,32 @@ TEST(StateChunk, Version5And6BringThruTempoTypeAndRepeat)
     EXPECT_EQ(effect.getDnDRepeat().value, 308);
 }
 
+TEST(StateChunk, LoadingTellsOfThePatternAndTheRoutingOnly)
+{
+    CLooper effect;
+    Witness witness;
+    effect.AddLooperListener(&witness);
+    load(effect, upTo(6).bytes);
+    EXPECT_EQ(witness.told, "lc");
+    effect.RemoveLooperListener(&witness);
+}
+
+TEST_F(Effect, ATempoTypeFromAChunkIsPlayedOnceItIsSetOrConnected)
+{
+    load(effect, upTo(6).bytes); // double tempo, thru, a note at 5 of a bar of 960
+    effect.setThru(false);
+    effect.Enable();
+    EXPECT_EQ(play(0, 1919), (std::vector<std::int32_t>{10}));
+    effect.TempoType(effect.tempoType());
+    EXPECT_EQ(play(1920, 3839), (std::vector<std::int32_t>{1925, 2885}));
+
+    load(effect, upTo(6).bytes);
+    effect.setThru(false);
+    effect.Terminate();
+    effect.Initialize(nullptr);
+    EXPECT_EQ(play(0, 1919), (std::vector<std::int32_t>{5, 965}));
+}
+
 TEST(StateChunk, TempoTypeAndRepeatAreClamped)
 {
     const auto loaded = [](int type, int repeat) {

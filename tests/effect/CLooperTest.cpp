@@ -13,6 +13,26 @@ namespace {
 
 using Times = std::vector<std::int32_t>;
 
+/// Connects the effect once more in the middle of a slice.
+class ConnectingQueue : public ListQueue
+{
+public:
+    explicit ConnectingQueue(CLooper& effect)
+        : mEffect(effect)
+    {
+    }
+
+    void InsertEvent(const MidiEvent& event) override
+    {
+        ListQueue::InsertEvent(event);
+        if (events.size() == 3)
+            mEffect.connect(&defaultProcessContext);
+    }
+
+private:
+    CLooper& mEffect;
+};
+
 } // namespace
 
 TEST_F(Effect, PlaysOnlyWhenEnabled)
@@ -54,12 +74,23 @@ TEST_F(Effect, TerminatedItPlaysNothing)
     EXPECT_EQ(play(0, 1919), (Times{0, 960}));
 }
 
+TEST_F(Effect, AnotherPatternGoesOnInItsOwnRepetitions)
+{
+    effect.Enable();
+    play(0, 2519); // in repetition 1, at the second note
+    CMidiTrack waltz = pattern(480, {noteAt(0, 100), noteAt(700, 100)});
+    waltz.numerator = 3;
+    effect.set_track(waltz);
+    EXPECT_EQ(play(2520, 3000), (Times{2880})); // 2 x 1440; nothing of the old repetition's 1920
+}
+
 TEST_F(Effect, SilentPlayGoesOnUnheard)
 {
     effect.Enable();
     play(0, 99);
     effect.SilentPlay(true);
     EXPECT_EQ(play(100, 2500), Times{});
+    EXPECT_EQ(effect.getCurrentTick(), 2501);
     effect.SilentPlay(false);
     EXPECT_EQ(play(2501, 3840), (Times{2880, 3840})); // no restart: the repetition goes on
 }
@@ -122,4 +153,23 @@ TEST_F(Effect, NothingOnTheProcessingThreadAllocates)
     EXPECT_EQ(allocations.count(), 0u);
     EXPECT_EQ(locks.count(), LockCounter::counts ? 201u : 0u); // the effect's own, once a slice
     effect.RemoveLooperListener(&witness);
+}
+
+TEST(CLooper, ConnectedAgainItLeavesTheEarlierLooperToTheSliceThatRuns)
+{
+    CLooper effect;
+    effect.set_track(pattern(480, {noteAt(0, 100), noteAt(960, 100)}));
+    {
+        const LeakAllowance earlierLooper;
+        effect.connect(&defaultProcessContext);
+    }
+    effect.Enable();
+    ConnectingQueue queue(effect);
+    effect.process(0, 4799, queue);
+    Times times;
+    for (const MidiEvent& event : queue.events)
+        times.push_back(event.time);
+    EXPECT_EQ(times, (Times{0, 960, 1920, 2880, 3840}));
+    EXPECT_EQ(effect.getCurrentTick(), -1); // the new one has played nothing
+    effect.disconnect();
 }

@@ -107,6 +107,41 @@ TEST(Looper, StrengthScalesTheRandomStep)
     }
 }
 
+TEST(Looper, WhatIsNoNoteKeepsItsValue)
+{
+    CMidiTrack track = pattern(480, {noteAt(0, 10, 60, 64)});
+    MfxEvent modulation{};
+    modulation.type = MfxEvent::Controller;
+    modulation.key = 1;
+    modulation.velocity = 64;
+    track.insert(modulation);
+    LooperParameters params;
+    params.veloPlus = 30; // no random step takes it back
+    Player player(track, 480, &params);
+    player.play(0, 0);
+    ASSERT_EQ(player.out.events.size(), 2u);
+    EXPECT_GT(player.out.events[0].velocity, 64);
+    EXPECT_EQ(player.out.events[1].velocity, 64);
+}
+
+TEST(Looper, WhatIsNoNoteHasNoRandomStep)
+{
+    CMidiTrack track = bar();
+    MfxEvent modulation{};
+    modulation.type = MfxEvent::Controller;
+    modulation.time = 5;
+    modulation.key = 1;
+    modulation.velocity = 64;
+    track.insert(modulation);
+    LooperParameters params;
+    params.veloPlus = 0;
+    Player player(track, 480, &params);
+    for (std::int32_t repetition = 0; repetition < 100; ++repetition) {
+        player.play(repetition * 1920 + 5, repetition * 1920 + 5);
+        ASSERT_EQ(player.out.events.at(0).velocity, 64);
+    }
+}
+
 TEST(RandomSource, HasTheRangeOfTheCLibrarys)
 {
     RandomSource draws;

@@ -58,9 +58,9 @@ TEST(NoteGroups, StrokesAreGroupsOfTheirOwn)
 
 TEST(NoteGroups, OtherKeysAndSilentNotesAreInNoGroup)
 {
-    EXPECT_EQ(lengthened(
-                  {noteAt(100, 1, 8), noteAt(900, 60, 8), noteAt(900, 60, 9), noteAt(900, 60, 30)}),
-              (Durations{1, 60, 60, 60}));
+    EXPECT_EQ(lengthened({noteAt(100, 1, 8), noteAt(900, 60, 8), noteAt(900, 60, 9),
+                          noteAt(900, 60, 23), noteAt(900, 60, 30)}),
+              (Durations{1, 60, 60, 60, 60}));
     EXPECT_EQ(lengthened({noteAt(10, 1, 0, 0), noteAt(100, 1, 0), noteAt(900, 60, 0),
                           noteAt(910, 60, 0, 0)}),
               (Durations{1, 1, 160, 60}));
