@@ -1,7 +1,7 @@
-// What the effect calls is in part a host's, built without our headers: mirrors of it, which know
-// the order of the virtual operations only.
+// The effect's calls to what others implement, by the order of the virtual operations alone.
 #include "effect/CLooper.h"
 #include "tests/effect/Fakes.h"
+#include "tests/effect/Mirrors.h"
 
 #include <gtest/gtest.h>
 
@@ -14,113 +14,13 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-struct MirrorContext
-{
-    virtual int quarter() { return 960; }
-
-    virtual double tempo() { return 60; }
-
-    virtual std::int32_t barPosition(int bar, int, int) { return bar * 1000; }
-
-    virtual void getBar(std::int32_t, int* bar, int* beat, int* tick)
-    {
-        *bar = 7;
-        *beat = 8;
-        *tick = 9;
-    }
-
-    virtual int numerator() { return 3; }
-
-    virtual int denominator() { return 8; }
-};
-
-struct MirrorQueue
-{
-    virtual void one() { ADD_FAILURE() << "the host's own slot"; }
-
-    virtual void two() { ADD_FAILURE() << "the host's own slot"; }
-
-    virtual void insert(const MidiEvent&) { ++inserted; }
-
-    virtual int count() { return 1 - removed; }
-
-    virtual MidiEvent get(int) { return {0, 0xC0, 5, 0, 0, 0}; }
-
-    virtual void six() { ADD_FAILURE() << "the host's own slot"; }
-
-    virtual void remove(int) { ++removed; }
-
-    int inserted = 0;
-    int removed = 0;
-};
-
-struct MirrorListener
-{
-    virtual void disconnect() { reached.emplace_back("disconnect"); }
-
-    virtual void refresh() { reached.emplace_back("refresh"); }
-
-    virtual void loaded() { reached.emplace_back("loaded"); }
-
-    virtual void update() { reached.emplace_back("update"); }
-
-    virtual void start() { reached.emplace_back("start"); }
-
-    virtual void patterns() { reached.emplace_back("patterns"); }
-
-    virtual void program(int) { reached.emplace_back("program"); }
-
-    virtual void selected() { reached.emplace_back("selected"); }
-
-    Names reached;
-};
-
-/// The one operation of an observer that is known.
-struct MirrorObserver
-{
-    virtual void changed() { ++told; }
-
-    int told = 0;
-};
-
-/// The times of a slice are converted and its events taken by one of these.
-struct MirrorProcess
-{
-    std::int32_t ppq = 480;
-
-    virtual ~MirrorProcess() = default;
-
-    virtual void output(MfxEvent&) { reached.emplace_back("output"); }
-
-    virtual std::int32_t toTicks(int bar, int beat, int tick) const
-    {
-        reached.emplace_back("toTicks");
-        return 10'000 * bar + 100 * beat + tick;
-    }
-
-    virtual void toBars(std::int32_t, int* bar, int* beat, int* tick) const
-    {
-        reached.emplace_back("toBars");
-        *bar = 7;
-        *beat = 1;
-        *tick = 0;
-    }
-
-    virtual std::int32_t round(std::int32_t at, int) const
-    {
-        reached.emplace_back("round");
-        return at + 1;
-    }
-
-    mutable Names reached;
-};
-
 } // namespace
 
 TEST(HostSlots, TheContextIsAskedThroughThem)
 {
     MirrorContext host;
-    const ProcessContext_for_MidiContext context(reinterpret_cast<MidiContext*>(&host));
+    auto* const asked = seenAs<MidiContext>(&host);
+    const ProcessContext_for_MidiContext context(asked);
     EXPECT_EQ(context.ppq, 960);
     EXPECT_EQ(context.convertMbtToTicks(3, 0, 0), 3000);
     int bar = 0;
@@ -130,7 +30,6 @@ TEST(HostSlots, TheContextIsAskedThroughThem)
     EXPECT_EQ(bar, 7);
     EXPECT_EQ(beat, 8);
     EXPECT_EQ(tick, 9);
-    auto* asked = reinterpret_cast<MidiContext*>(&host);
     EXPECT_EQ(asked->Tempo(), 60);
     EXPECT_EQ(asked->TimeSigNumerator(), 3);
     EXPECT_EQ(asked->TimeSigDenominator(), 8);
@@ -139,7 +38,7 @@ TEST(HostSlots, TheContextIsAskedThroughThem)
 TEST(HostSlots, TheNullContextAnswersThroughThem)
 {
     NullMidiContext context;
-    auto* const mirror = reinterpret_cast<MirrorContext*>(static_cast<MidiContext*>(&context));
+    auto* const mirror = seenAs<MirrorContext>(static_cast<MidiContext*>(&context));
     EXPECT_EQ(mirror->quarter(), 480);
     EXPECT_EQ(mirror->tempo(), 120);
     EXPECT_EQ(mirror->barPosition(1, 0, 0), 1920);
@@ -159,9 +58,9 @@ TEST(HostSlots, TheQueueIsFilledAndReadThroughThem)
     looper.Initialize(nullptr);
     looper.Enable();
     MirrorQueue queue;
-    looper.process(0, 100, reinterpret_cast<MidiQueue&>(queue));
+    looper.process(0, 100, *seenAs<MidiQueue>(&queue));
     EXPECT_EQ(queue.inserted, 1);
-    looper.processInput(reinterpret_cast<MidiQueue&>(queue));
+    looper.processInput(*seenAs<MidiQueue>(&queue));
     EXPECT_EQ(queue.removed, 1);
     looper.Terminate();
 }
@@ -170,7 +69,7 @@ TEST(HostSlots, AnObserverIsToldThroughItsFirst)
 {
     CLooper::PatternChangeNotifier notifier;
     MirrorObserver observer;
-    notifier.observers.add(reinterpret_cast<IKVSSExStrumwerks::PatternObserver*>(&observer));
+    notifier.observers.add(seenAs<IKVSSExStrumwerks::PatternObserver>(&observer));
     notifier.patternSelected();
     EXPECT_EQ(observer.told, 1);
 }
@@ -178,7 +77,7 @@ TEST(HostSlots, AnObserverIsToldThroughItsFirst)
 TEST(HostSlots, TheEngineSpeaksToAnyProcessContextThroughThem)
 {
     MirrorProcess mirror;
-    auto& context = reinterpret_cast<ProcessContext&>(mirror);
+    auto& context = *seenAs<ProcessContext>(&mirror);
     CMidiTrack track = pattern(480, {noteAt(0, 10)});
     CriticalSection lock;
     Looper looper(track, lock, context, nullptr);
@@ -195,7 +94,8 @@ TEST(HostSlots, TheEngineSpeaksToAnyProcessContextThroughThem)
 
 TEST(HostSlots, AHostsContextConvertsThroughThem)
 {
-    const auto& mirror = reinterpret_cast<const MirrorProcess&>(defaultProcessContext);
+    const auto& mirror =
+        *seenAs<const MirrorProcess>(static_cast<ProcessContext*>(&defaultProcessContext));
     int tick = 0;
     EXPECT_EQ(mirror.ppq, 480);
     EXPECT_EQ(mirror.toTicks(1, 0, 0), 1920);
@@ -208,7 +108,7 @@ TEST(HostSlots, ASlicesContextTakesEventsThroughThem)
 {
     ListQueue queue;
     LooperProcessContext slice(queue, 77);
-    auto& mirror = reinterpret_cast<MirrorProcess&>(slice);
+    auto& mirror = *seenAs<MirrorProcess>(static_cast<ProcessContext*>(&slice));
     MfxEvent event = noteAt(0);
     mirror.output(event);
     EXPECT_EQ(queue.events.size(), 1u);
@@ -222,7 +122,7 @@ TEST(HostSlots, ASlicesContextTakesEventsThroughThem)
 TEST(HostSlots, ListenersAreToldThroughThem)
 {
     MirrorListener mirror;
-    auto* const listener = reinterpret_cast<CLooper::Listener*>(&mirror);
+    auto* const listener = seenAs<CLooper::Listener>(&mirror);
     listener->disconnect();
     listener->RefreshChPort();
     listener->loaded();

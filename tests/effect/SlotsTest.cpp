@@ -1,8 +1,8 @@
-// Hosts are built without our headers: they know the order of the virtual operations only. These
-// mirrors of what a host calls declare it independently.
+// A host's calls, by the order of the virtual operations alone.
 #include "effect/CLooper.h"
 #include "shared/System/kvStream.h"
 #include "tests/effect/Fakes.h"
+#include "tests/effect/Mirrors.h"
 #include "tests/effect/NotedEffect.h"
 
 #include <gtest/gtest.h>
@@ -16,60 +16,6 @@ using namespace Korvanel;
 namespace {
 
 using Names = std::vector<std::string>;
-
-struct MirrorEffect
-{
-    virtual ~MirrorEffect() = default;
-    virtual void initialize(void*) = 0;
-    virtual void terminate() = 0;
-    virtual void enable() = 0;
-    virtual void disable() = 0;
-    virtual void start(std::int32_t) = 0;
-    virtual void stop(std::int32_t) = 0;
-    virtual void loop(std::int32_t, std::int32_t) = 0;
-    virtual void slice(std::int32_t, std::int32_t, void*) = 0; // a reference is passed as a pointer
-    virtual void input(void*) = 0;
-    virtual bool hasEditor() = 0;
-    virtual void* editor() = 0;
-    virtual void save(void*) = 0;
-    virtual void load(void*) = 0;
-    virtual void loadBytes(void*, std::uint32_t) = 0;
-    virtual void* find(const char*) = 0;
-    // The effect's own, behind the host's.
-    virtual bool current(void*) = 0;
-    virtual bool choose(void*) = 0;
-    virtual bool add(void*) = 0;
-    virtual bool removeObserver(void*) = 0;
-    virtual void shift(int) = 0;
-    virtual void silent(bool) = 0;
-    virtual bool document(void*) = 0;
-    virtual String folder() = 0;
-    virtual void render(void*, int) = 0;
-    virtual void drop(void*, const char*) = 0;
-    virtual void restart() = 0;
-    virtual void press() = 0;
-};
-
-struct MirrorLooper
-{
-    virtual bool current(void*) = 0;
-    virtual bool choose(void*) = 0;
-    virtual bool add(void*) = 0;
-    virtual bool remove(void*) = 0;
-    virtual void shift(int) = 0;
-    virtual void silent(bool) = 0;
-
-protected:
-    ~MirrorLooper() = default;
-};
-
-struct MirrorEditor
-{
-    virtual ~MirrorEditor() = default;
-    virtual void size(int*, int*) = 0;
-    virtual std::int32_t attach(void*, int, int) = 0;
-    virtual void remove() = 0;
-};
 
 class NotedEditor : public MidiEffectEditor
 {
@@ -97,7 +43,7 @@ private:
 
 MirrorEffect* mirrorOf(CLooper& effect)
 {
-    return reinterpret_cast<MirrorEffect*>(static_cast<MidiEffect*>(&effect));
+    return seenAs<MirrorEffect>(static_cast<MidiEffect*>(&effect));
 }
 
 } // namespace
@@ -158,7 +104,7 @@ TEST(Slots, TheLooperInterface)
 {
     Names reached;
     NotedEffect effect(reached);
-    auto* const looper = reinterpret_cast<MirrorLooper*>(static_cast<ILooper*>(&effect));
+    auto* const looper = seenAs<MirrorLooper>(static_cast<ILooper*>(&effect));
     looper->current(nullptr);
     looper->choose(nullptr);
     looper->add(nullptr);
@@ -173,7 +119,7 @@ TEST(Slots, TheEditor)
 {
     Names reached;
     MidiEffectEditor* const made = new NotedEditor(reached);
-    auto* const editor = reinterpret_cast<MirrorEditor*>(made);
+    auto* const editor = seenAs<MirrorEditor>(made);
     editor->size(nullptr, nullptr);
     editor->attach(nullptr, 0, 0);
     editor->remove();
@@ -196,7 +142,7 @@ TEST(Slots, AHostDrivesTheEffectThroughThem)
     queue.Insert(0, 0xC0, 5, 0);
     effect->input(&queue);
     EXPECT_TRUE(queue.events.empty());
-    auto* const found = static_cast<MirrorLooper*>(effect->find("Korvanel::ILooper"));
+    auto* const found = seenAs<MirrorLooper>(effect->find("Korvanel::ILooper"));
     ASSERT_NE(found, nullptr);
     found->shift(500);
     EXPECT_EQ(looper.getVeloPlus().value, 127);
