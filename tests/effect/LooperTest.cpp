@@ -148,9 +148,11 @@ TEST(Looper, TheStoredPatternStaysAsItIs)
 TEST(Looper, AnOpenNoteStaysOpenAtAnyTempo)
 {
     Player player(pattern(480, {noteAt(0, 100), noteAt(10, MfxEvent::kOpen)}), 960);
-    player.looper.TempoType(0);
-    player.play(0, 100);
-    EXPECT_EQ(player.out.events[1].duration, MfxEvent::kOpen);
+    for (const int type : {0, 1, 2}) {
+        player.looper.TempoType(type);
+        player.play(0, 100);
+        EXPECT_EQ(player.out.events.at(1).duration, MfxEvent::kOpen) << type;
+    }
 }
 
 TEST(Looper, AnExceptionOfTheContextLeavesTheLockOpen)

@@ -72,3 +72,9 @@ TEST(NoteGroups, ANoteBehindTheEndAndAnEndlessOneStay)
     EXPECT_EQ(lengthened({noteAt(100, 1, 0), noteAt(900, MfxEvent::kOpen, 0)}),
               (Durations{1, MfxEvent::kOpen}));
 }
+
+TEST(NoteGroups, AnEndlessLastNoteClosesItsGroup)
+{
+    EXPECT_EQ(lengthened({noteAt(100, 1, 0), noteAt(800, 300, 5), noteAt(900, MfxEvent::kOpen, 0)}),
+              (Durations{1, 300, MfxEvent::kOpen}));
+}
