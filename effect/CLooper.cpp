@@ -63,6 +63,9 @@ void CLooper::connect(ProcessContext* context)
     looper->TempoType(tempoType()); // a state may have been loaded before there was a looper
     joinLoopers(); // first: an effect that goes meanwhile must not take the library along
     openLibrary();
+    // Nothing of an earlier connection is deleted: hosts connect once, and a slice that still runs
+    // may be in the earlier looper. Pinned by
+    // CLooper.ConnectedAgainItLeavesTheEarlierLooperToTheSliceThatRuns.
     mContext = context;
     mLooper = looper.release();
 }

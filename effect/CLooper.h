@@ -42,7 +42,8 @@ public:
     };
 
     /// Who wants to know what changed: the editor, the host's bridge. Called on the thread of the
-    /// change, which for startPlaying and programChange is the processing thread.
+    /// change: for startPlaying and programChange that is the processing thread, for
+    /// patternsChanged it may be the one that watches the library.
     class Listener
     {
     public:
@@ -121,7 +122,7 @@ public:
     virtual void pressPlay() {}
 
     /// Creates the engine on a context, which the effect then owns unless it is
-    /// `defaultProcessContext`.
+    /// `defaultProcessContext`. The engine starts with the effect's tempo type.
     void connect(ProcessContext* context);
     void disconnect();
 

@@ -3,7 +3,6 @@
 
 namespace {
 
-constexpr int kWheelCentre = 8192;
 constexpr int kVelocityControl = 127; ///< on channel 16
 constexpr int kVelocityStatus = 0xBF;
 
@@ -64,7 +63,8 @@ bool CLooper::processControlEvent(const Korvanel::MidiEvent& event)
 bool CLooper::processPitchWheel(const Korvanel::MidiEvent& event)
 {
     const int value = event.data1 + 128 * event.data2;
-    return mLooper != nullptr && mLooper->processPitchWheel(event.time, value - kWheelCentre);
+    return mLooper != nullptr &&
+           mLooper->processPitchWheel(event.time, value - MfxEvent::kWheelCentre);
 }
 
 bool CLooper::isOutputEvent(const MfxEvent& event) const

@@ -11,12 +11,6 @@ using Korvanel::toTicks;
 namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
-constexpr std::int32_t kLengthOfNothing = 100;
-
-std::int64_t patternLength(const Korvanel::CMidiTrack& track)
-{
-    return std::int64_t{track.numberOfBars()} * track.barLength();
-}
 
 } // namespace
 
@@ -123,7 +117,7 @@ int CLooper::recalc_velo(int v) const
 std::int32_t CLooper::GetLastTick(const Korvanel::CMidiTrack* track) const
 {
     const ScopedLock hold(mEdit);
-    const std::int64_t length = patternLength(track == nullptr ? mSourceTrack : *track);
+    const std::int64_t length = (track == nullptr ? mSourceTrack : *track).barsLength();
     const int type = tempoType();
     return toTicks(std::max<std::int64_t>(type == 0   ? length * 2
                                           : type == 1 ? length
@@ -156,8 +150,8 @@ std::int32_t CLooper::repetitionIn(const ProcessContext& ctx) const
 {
     const ScopedLock hold(mEdit);
     const std::int64_t length =
-        convertTicks(patternLength(mSourceTrack), ctx.ppq, mSourceTrack.ticksPerQuarter);
-    return length == 0 ? kLengthOfNothing : toTicks(length);
+        convertTicks(mSourceTrack.barsLength(), ctx.ppq, mSourceTrack.ticksPerQuarter);
+    return length == 0 ? Korvanel::Looper::kLengthOfNothing : toTicks(length);
 }
 
 std::int32_t CLooper::FindLoop(std::int32_t at, const ProcessContext& ctx) const

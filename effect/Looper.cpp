@@ -11,7 +11,6 @@ namespace Korvanel {
 
 namespace {
 
-constexpr std::int32_t kLengthOfNothing = 100;
 constexpr std::int32_t kLargestExactPpq = 1 << 16;
 
 } // namespace
@@ -69,8 +68,7 @@ std::int32_t Looper::loopLength() const
 
 std::int32_t Looper::loopLength(const TickRate& rate) const
 {
-    const std::int64_t pattern = std::int64_t{mTrack.numberOfBars()} * mTrack.barLength();
-    const std::int32_t length = rate.hostTicks(toTicks(pattern));
+    const std::int32_t length = rate.hostTicks(toTicks(mTrack.barsLength()));
     return length < 1 ? kLengthOfNothing : length;
 }
 

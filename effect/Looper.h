@@ -71,6 +71,9 @@ private:
 class Looper
 {
 public:
+    /// Ticks that a pattern without a length counts as, so that no scan stalls on it.
+    static constexpr std::int32_t kLengthOfNothing = 100;
+
     /// The track, the lock, the context and the parameters outlive the looper.
     /// @param lock    guards the track and this looper
     /// @param params  null leaves velocities as written
@@ -84,12 +87,10 @@ public:
         KV_EXCLUDES(mLock);
 
     std::int32_t ticksFor(std::int32_t patternTicks) const;
-    /// Ticks of one repetition, at least 1. A pattern without a length counts as 100, so that no
-    /// scan stalls on it.
-    std::int32_t loopLength() const;
-    void nextLoop();            ///< to the next repetition
-    void reset();               ///< to repetition 0
-    void setLoop(std::int32_t); ///< to repetition 0, whatever the argument
+    std::int32_t loopLength() const; ///< ticks of one repetition, at least 1
+    void nextLoop();                 ///< to the next repetition
+    void reset();                    ///< to repetition 0
+    void setLoop(std::int32_t);      ///< to repetition 0, whatever the argument
     void TempoType(int type) KV_EXCLUDES(mLock);
 
     /// @param value  wheel position less 8192  @return true

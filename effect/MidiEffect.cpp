@@ -3,25 +3,12 @@
 #include "midi/TickMath.h"
 #include "shared/System/kvStream.h"
 
-#include <memory>
-
 namespace Korvanel {
 
 namespace {
 
 constexpr std::int32_t kNullPpq = 480;
 constexpr std::int32_t kNullBeats = 4;
-
-struct ReleaseBuffer
-{
-    void operator()(StreamBuffer* buffer) const { buffer->Release(); }
-};
-
-void store(int* target, std::int32_t value)
-{
-    if (target != nullptr)
-        *target = value;
-}
 
 } // namespace
 
@@ -32,9 +19,9 @@ std::int32_t NullMidiContext::BarPosition(int bar, int beat, int tick)
 
 void NullMidiContext::GetBar(std::int32_t at, int* bar, int* beat, int* tick)
 {
-    store(bar, at / kNullPpq / kNullBeats);
-    store(beat, at / kNullPpq % kNullBeats);
-    store(tick, at % kNullPpq);
+    storeTicks(bar, at / kNullPpq / kNullBeats);
+    storeTicks(beat, at / kNullPpq % kNullBeats);
+    storeTicks(tick, at % kNullPpq);
 }
 
 void MidiEffectEditor::getEditorSize(int*, int*) {}
@@ -48,7 +35,7 @@ void MidiEffectEditor::remove() {}
 
 void MidiEffect::LoadFrom(void* data, std::uint32_t size)
 {
-    const std::unique_ptr<StreamBuffer, ReleaseBuffer> buffer(new StreamBuffer(data, size));
+    const OwnedStreamBuffer buffer(new StreamBuffer(data, size));
     MemoryStream stream(*buffer);
     LoadFrom(stream);
 }

@@ -46,7 +46,7 @@ bool reachesEnd(const MfxEvent& note, std::int64_t length)
 
 void lengthenLastNotes(Korvanel::CMidiTrack& track)
 {
-    const std::int64_t length = std::int64_t{track.numberOfBars()} * track.barLength();
+    const std::int64_t length = track.barsLength();
     std::array<Group, kGroups> groups;
     for (const MfxEvent& event : track.events)
         if (const auto g = groupOf(event))

@@ -6,24 +6,14 @@
 #include <algorithm>
 
 using Korvanel::CMidiTrack;
+using Korvanel::floorDivide;
 using Korvanel::ScopedLock;
+using Korvanel::storeTicks;
 using Korvanel::toTicks;
 
 namespace {
 
 constexpr std::int32_t kBeatsPerBar = 4;
-
-std::int32_t floorDivide(std::int32_t value, std::int32_t by)
-{
-    const std::int32_t quotient = value / by;
-    return value % by < 0 ? quotient - 1 : quotient;
-}
-
-void store(int* target, std::int32_t value)
-{
-    if (target != nullptr)
-        *target = value;
-}
 
 /// Collects the engine's output in a track; its bars are of four quarters.
 class OfflineProcessContext : public ProcessContext
@@ -44,11 +34,11 @@ public:
 
     void convertTicksToMbt(std::int32_t at, int* bar, int* beat, int* tick) const override
     {
-        const std::int32_t quarters = floorDivide(at, std::max(ppq, 1));
-        const std::int32_t bars = floorDivide(quarters, kBeatsPerBar);
-        store(bar, bars);
-        store(beat, quarters - kBeatsPerBar * bars);
-        store(tick, at - quarters * ppq);
+        const std::int64_t quarters = floorDivide(at, std::max(ppq, 1));
+        const std::int64_t bars = floorDivide(quarters, kBeatsPerBar);
+        storeTicks(bar, bars);
+        storeTicks(beat, quarters - kBeatsPerBar * bars);
+        storeTicks(tick, at - quarters * ppq);
     }
 
     CMidiTrack output;
@@ -84,8 +74,7 @@ void CLooper::save_track(Korvanel::OutputStream& stream, int repeat, IMfxMeterMa
     OfflineProcessContext context(pattern);
     // The tempo type does not count here: at half tempo the file holds half as many repetitions, at
     // double tempo twice as many. What is dragged out always fills the same bars.
-    const std::int64_t total =
-        toTicks(std::int64_t{pattern.numberOfBars()} * pattern.barLength() * repeat);
+    const std::int64_t total = toTicks(pattern.barsLength() * repeat);
     Korvanel::CriticalSection privateLock;
     Korvanel::Looper looper(pattern, privateLock, context, &mParams);
     looper.TempoType(tempoType());

@@ -12,8 +12,6 @@ using Korvanel::toTicks;
 
 namespace {
 
-constexpr int kWheelCentre = 8192;
-
 /// Put together in two words, as queues copy it: one of single bytes would hold up the copy until
 /// all are stored.
 /// @param message  status, data 1, data 2 and the extra byte, the status lowest
@@ -107,7 +105,7 @@ void LooperProcessContext::outputEvent(MfxEvent& event)
     case MfxEvent::ChannelAftertouch:
         return insert(0xD0, event.amount, 0, 0);
     case MfxEvent::Wheel: {
-        const int wheel = event.wheel() + kWheelCentre;
+        const int wheel = event.wheel() + MfxEvent::kWheelCentre;
         const auto byte = [](int value) { return static_cast<std::uint8_t>(value); };
         return insert(0xE0, byte(wheel % 128), byte(wheel / 128), 0);
     }

@@ -48,6 +48,11 @@ std::int32_t CMidiTrack::numberOfBars() const
     return bar == 0 || lastTick < 0 ? 0 : toTicks((bar + lastTick - 1) / bar);
 }
 
+std::int64_t CMidiTrack::barsLength() const
+{
+    return std::int64_t{numberOfBars()} * barLength();
+}
+
 std::int32_t CMidiTrack::GetFirst() const
 {
     const auto first = std::find_if(events.begin(), events.end(),

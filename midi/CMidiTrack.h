@@ -79,6 +79,7 @@ public:
 
     std::int32_t barLength() const;    ///< ticks; 0 for a meter that makes no bar
     std::int32_t numberOfBars() const; ///< bars up to the last event's end; 0 for an empty track
+    std::int64_t barsLength() const;   ///< ticks of all bars
     std::int32_t GetFirst() const;     ///< start of the first note, or -1
     std::int32_t GetLast() const;      ///< start of the last note, or -1
     int GetLen() const;                ///< how many notes

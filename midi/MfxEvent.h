@@ -21,6 +21,9 @@ struct __attribute__((packed)) MfxEvent
     /// The duration of a note whose end is not known.
     static constexpr std::uint32_t kOpen = 0xFFFFFFFF;
 
+    /// What a MIDI message holds for a wheel at 0.
+    static constexpr int kWheelCentre = 8192;
+
     std::int32_t time;     ///< ticks of the owning track or queue
     std::uint8_t port;     ///< the host's; never written here
     std::uint8_t channel;  ///< 0..15

@@ -4,8 +4,6 @@ namespace Korvanel {
 
 namespace {
 
-constexpr int kWheelCentre = 8192;
-
 std::uint8_t low(std::uint16_t word)
 {
     return static_cast<std::uint8_t>(word);
@@ -40,7 +38,7 @@ bool Pkt::Assign(const MfxEvent& event)
         return true;
     case MfxEvent::Wheel:
         set(0xE0, event.wheel() & 0x7F);
-        data2 = static_cast<std::uint16_t>((event.wheel() + kWheelCentre) >> 7);
+        data2 = static_cast<std::uint16_t>((event.wheel() + MfxEvent::kWheelCentre) >> 7);
         return true;
     default:
         return false;
@@ -73,7 +71,7 @@ Pkt::operator MfxEvent() const
         break;
     case 0xE0:
         event.type = MfxEvent::Wheel;
-        event.setWheel(static_cast<std::int16_t>(data2 * 128 + data1 - kWheelCentre));
+        event.setWheel(static_cast<std::int16_t>(data2 * 128 + data1 - MfxEvent::kWheelCentre));
         break;
     default:
         event.type = MfxEvent::NotChannel;

@@ -24,4 +24,17 @@ constexpr std::int64_t convertTicks(std::int64_t ticks, std::int32_t toPpq, std:
     return ticks * toPpq / fromPpq;
 }
 
+/// Rounded down, as positions before the start of the song need it. @param by  above 0
+constexpr std::int64_t floorDivide(std::int64_t value, std::int64_t by)
+{
+    return value / by - (value % by < 0 ? 1 : 0);
+}
+
+/// Answers through a pointer that may be null, where nobody asked.
+constexpr void storeTicks(std::int32_t* target, std::int64_t ticks)
+{
+    if (target != nullptr)
+        *target = toTicks(ticks);
+}
+
 } // namespace Korvanel

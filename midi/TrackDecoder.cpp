@@ -103,7 +103,7 @@ inline void TrackDecoder::decodeMessage(unsigned status)
         break;
     case 0xE:
         event.type = MfxEvent::Wheel;
-        event.setWheel(static_cast<std::int16_t>(mAt[1] * 128 + mAt[0] - 8192));
+        event.setWheel(static_cast<std::int16_t>(mAt[1] * 128 + mAt[0] - MfxEvent::kWheelCentre));
         mAt += 2;
         break;
     default:

@@ -10,19 +10,6 @@ namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
 
-/// Rounded down, as the bars before the start of the song need it.
-std::int64_t quotient(std::int64_t number, std::int64_t divisor)
-{
-    const std::int64_t cut = number / divisor;
-    return number % divisor < 0 ? cut - 1 : cut;
-}
-
-void store(int* target, std::int64_t value)
-{
-    if (target != nullptr)
-        *target = Korvanel::toTicks(value);
-}
-
 } // namespace
 
 void BridgeContext::update(const HostPosition& position)
@@ -60,9 +47,9 @@ std::int32_t BridgeContext::BarPosition(int bar, int beat, int tick)
 void BridgeContext::GetBar(std::int32_t at, int* bar, int* beat, int* tick)
 {
     const std::int64_t fromBar = at - mBarTick.load(kRelaxed);
-    const std::int64_t bars = quotient(fromBar, barLength());
+    const std::int64_t bars = Korvanel::floorDivide(fromBar, barLength());
     const std::int64_t inBar = fromBar - bars * barLength();
-    store(bar, mBar.load(kRelaxed) + bars);
-    store(beat, inBar / beatLength());
-    store(tick, inBar % beatLength());
+    Korvanel::storeTicks(bar, mBar.load(kRelaxed) + bars);
+    Korvanel::storeTicks(beat, inBar / beatLength());
+    Korvanel::storeTicks(tick, inBar % beatLength());
 }

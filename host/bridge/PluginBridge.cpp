@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <memory>
 #include <utility>
 
 namespace {
@@ -15,17 +14,10 @@ namespace {
 constexpr std::size_t kEventsOfASlice = 8192;
 constexpr std::int32_t kFirstVersion = 1; ///< of state chunks
 
-struct ReleaseBuffer
-{
-    void operator()(Korvanel::StreamBuffer* buffer) const { buffer->Release(); }
-};
-
-using Buffer = std::unique_ptr<Korvanel::StreamBuffer, ReleaseBuffer>;
-
 /// Loads it into another effect, so that damage is known before anything has changed.
 bool isWhole(std::string_view state)
 try {
-    const Buffer buffer(
+    const Korvanel::OwnedStreamBuffer buffer(
         new Korvanel::StreamBuffer(state.data(), static_cast<std::uint32_t>(state.size())));
     Korvanel::MemoryStream stream(*buffer);
     if (stream.ReadInt32() < kFirstVersion)

@@ -15,8 +15,7 @@ namespace {
 std::int32_t loopTicks(const Korvanel::CMidiTrack& pattern, int ticksPerQuarter, int tempoType)
 {
     const std::int64_t length =
-        Korvanel::convertTicks(std::int64_t{pattern.numberOfBars()} * pattern.barLength(),
-                               ticksPerQuarter, pattern.ticksPerQuarter);
+        Korvanel::convertTicks(pattern.barsLength(), ticksPerQuarter, pattern.ticksPerQuarter);
     return Korvanel::toTicks(tempoType == 0 ? length * 2 : tempoType == 1 ? length : length / 2);
 }
 

@@ -18,10 +18,7 @@ std::int32_t HostContext::BarPosition(int bar, int beat, int tick)
 void HostContext::GetBar(std::int32_t at, int* bar, int* beat, int* tick)
 {
     const std::int32_t inBar = at % barLength();
-    if (bar != nullptr)
-        *bar = at / barLength();
-    if (beat != nullptr)
-        *beat = inBar / beatLength();
-    if (tick != nullptr)
-        *tick = inBar % beatLength();
+    Korvanel::storeTicks(bar, at / barLength());
+    Korvanel::storeTicks(beat, inBar / beatLength());
+    Korvanel::storeTicks(tick, inBar % beatLength());
 }

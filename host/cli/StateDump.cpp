@@ -118,8 +118,8 @@ void StateReader::readFields()
 
 void StateReader::readPattern()
 {
-    Korvanel::StreamBuffer* const buffer = new Korvanel::StreamBuffer(
-        mChunk.data() + mAt, static_cast<std::uint32_t>(mChunk.size() - mAt));
+    const Korvanel::OwnedStreamBuffer buffer(new Korvanel::StreamBuffer(
+        mChunk.data() + mAt, static_cast<std::uint32_t>(mChunk.size() - mAt)));
     Korvanel::MemoryStream stream(*buffer);
     Korvanel::MIDIFILE file{};
     Korvanel::mf_init(&file);
@@ -131,7 +131,6 @@ void StateReader::readPattern()
         what = "the chunk ends inside the pattern";
     }
     const std::size_t bytes = stream.Tell();
-    buffer->Release();
     Korvanel::CMidiTrack track;
     if (what.empty())
         track.LoadMidiFile(file);

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 namespace Korvanel {
 
@@ -110,6 +111,14 @@ private:
     std::uint32_t mSize = 0;
     std::uint32_t mPosition = 0;
 };
+
+struct ReleaseBuffer
+{
+    void operator()(StreamBuffer* buffer) const { buffer->Release(); }
+};
+
+/// Holds the reference of whoever made the buffer.
+using OwnedStreamBuffer = std::unique_ptr<StreamBuffer, ReleaseBuffer>;
 
 /// A failure of a StreamBuffer; thrown by value.
 class StreamBufferException : public Exception

@@ -1,6 +1,6 @@
-#include "effect/CLooper.h"
+// The state chunk, put together and taken apart by hand.
 #include "shared/System/kvStream.h"
-#include "tests/effect/Fakes.h"
+#include "tests/effect/EffectFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -74,29 +74,18 @@ std::string save(CLooper& effect)
     return stream.text();
 }
 
-struct Told : CLooper::Listener
-{
-    void RefreshChPort() override { what += 'c'; }
-
-    void loaded() override { what += 'l'; }
-
-    void update() override { what += 'u'; }
-
-    std::string what;
-};
-
 } // namespace
 
 TEST(StateChunk, Version1HoldsNothing)
 {
     CLooper effect;
     const std::string before = save(effect);
-    Told told;
-    effect.AddLooperListener(&told);
+    Witness witness;
+    effect.AddLooperListener(&witness);
     load(effect, upTo(1).bytes);
     EXPECT_EQ(save(effect), before);
-    EXPECT_EQ(told.what, "");
-    effect.RemoveLooperListener(&told);
+    EXPECT_EQ(witness.told, "");
+    effect.RemoveLooperListener(&witness);
 }
 
 TEST(StateChunk, Version2BringsStyleAndPattern)
@@ -122,13 +111,13 @@ TEST(StateChunk, EmptyTextsStillLeadToThePattern)
 TEST(StateChunk, Version3BringsTheRoutingInSixteenBits)
 {
     CLooper effect;
-    Told told;
-    effect.AddLooperListener(&told);
+    Witness witness;
+    effect.AddLooperListener(&witness);
     load(effect, upTo(3).bytes);
     EXPECT_EQ(effect.channel(), 3);
     EXPECT_EQ(effect.port(), -2);
-    EXPECT_EQ(told.what, "lc");
-    effect.RemoveLooperListener(&told);
+    EXPECT_EQ(witness.told, "lc");
+    effect.RemoveLooperListener(&witness);
 }
 
 TEST(StateChunk, Version4BringsTheParameters)
@@ -191,6 +180,32 @@ TEST(StateChunk, Version5And6BringThruTempoTypeAndRepeat)
     EXPECT_TRUE(effect.isThru());
     EXPECT_EQ(effect.tempoType(), 2);
     EXPECT_EQ(effect.getDnDRepeat().value, 308);
+}
+
+TEST(StateChunk, LoadingTellsOfThePatternAndTheRoutingOnly)
+{
+    CLooper effect;
+    Witness witness;
+    effect.AddLooperListener(&witness);
+    load(effect, upTo(6).bytes);
+    EXPECT_EQ(witness.told, "lc");
+    effect.RemoveLooperListener(&witness);
+}
+
+TEST_F(Effect, ATempoTypeFromAChunkIsPlayedOnceItIsSetOrConnected)
+{
+    load(effect, upTo(6).bytes); // double tempo, thru, a note at 5 of a bar of 960
+    effect.setThru(false);
+    effect.Enable();
+    EXPECT_EQ(play(0, 1919), (std::vector<std::int32_t>{10}));
+    effect.TempoType(effect.tempoType());
+    EXPECT_EQ(play(1920, 3839), (std::vector<std::int32_t>{1925, 2885}));
+
+    load(effect, upTo(6).bytes);
+    effect.setThru(false);
+    effect.Terminate();
+    effect.Initialize(nullptr);
+    EXPECT_EQ(play(0, 1919), (std::vector<std::int32_t>{5, 965}));
 }
 
 TEST(StateChunk, TempoTypeAndRepeatAreClamped)

@@ -135,6 +135,12 @@ TEST(ProcessContext, RoundsUpToABeat)
     EXPECT_EQ(context.roundTick(481, 3), 960);
 }
 
+TEST(ProcessContext, TimesBeforeTheStartThatCutToNoBeatStay)
+{
+    const Recorder context; // cuts towards zero: bar 0, beat 0, tick -1
+    EXPECT_EQ(context.roundTick(-1, 3), -1);
+}
+
 TEST(ProcessContext, ABeatPastTheLimitIsTheLimitInTheNextBar)
 {
     const Recorder context;
@@ -154,6 +160,21 @@ TEST(ProcessContext, RoundsUnitsOfItsOwnResolution)
     const Recorder context;
     EXPECT_EQ(context.roundUnit(1, 480), 480);
     EXPECT_EQ(context.roundUnit(0, 240), 0);
+}
+
+TEST(ProcessContext, UnitsAreRoundedAsTheContextRoundsTicks)
+{
+    struct ToHundreds : Recorder
+    {
+        std::int32_t roundTick(std::int32_t at, int maxBeat) const override
+        {
+            EXPECT_EQ(maxBeat, 1);
+            return (at + 99) / 100 * 100;
+        }
+    };
+
+    EXPECT_EQ(ToHundreds().roundUnit(101, 480), 200);
+    EXPECT_EQ(ToHundreds().roundUnit(101, 240), 150); // 202 of its own, 300 rounded
 }
 
 TEST(ProcessContext_for_MidiContext, GivesTheHostThreeValidPointers)

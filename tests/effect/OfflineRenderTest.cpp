@@ -86,9 +86,12 @@ TEST(OfflineRender, AppliesTheVelocityParametersButNoLiveShift)
     effect.Initialize(nullptr);
     effect.Enable();
     effect.useVelocity(true);
+    effect.usePitchWheel(true);
     ListQueue queue;
     queue.Insert(0, 0xBF, 127, 1);
+    queue.Insert(0, 0xE0, 0, 0x20);
     effect.processInput(queue);
+    ASSERT_TRUE(queue.events.empty());
     effect.setVeloPlus(-30);
     EXPECT_EQ(effect.render(1).events[0].velocity, 70);
     effect.Terminate();
@@ -119,20 +122,48 @@ TEST(OfflineRender, KeepsNameAndMeter)
     EXPECT_EQ(rendered.numerator, 3);
 }
 
+TEST(OfflineRender, KeepsThePlaceOfTheStylesName)
+{
+    Effect effect(pattern(240, {noteAt(0, 10)}));
+    effect.SetPatternName("Name");
+    effect.SetStyleName("Style");
+    stringStream stream;
+    effect.SaveTrack(stream, 1);
+    const std::string field("\xff\x03\x0aName\0\0\0\0\0\0", 13); // a separator and five letters
+    EXPECT_NE(stream.text().find(field), std::string::npos);
+}
+
 TEST(OfflineRender, TheHostsMapsAreAsked)
 {
+    struct Meter : IMfxMeterMap
+    {
+        void GetMeter(std::int32_t, std::int32_t* numerator, std::int32_t* power) const override
+        {
+            *numerator = 7;
+            *power = 3;
+        }
+    } meter;
+
     struct Tempo : IMfxTempoMap
     {
         std::int32_t GetTempo(std::int32_t) const override { return 6000; }
     } tempo;
 
+    struct Key : IMfxKeySigMap
+    {
+        std::int32_t GetKeySig(std::int32_t) const override { return -3; }
+    } key;
+
     Effect effect(pattern(240, {noteAt(0, 10)}));
     stringStream stream;
-    effect.save_track(stream, 1, nullptr, &tempo, nullptr);
+    effect.save_track(stream, 1, &meter, &tempo, &key);
     stringStream in(stream.text());
     CMidiTrack track;
     track.Load(in, nullptr, nullptr);
+    EXPECT_EQ(track.numerator, 7);
+    EXPECT_EQ(track.denominator, 8);
     EXPECT_EQ(track.tempo, 1000000u);
+    EXPECT_NE(stream.text().find(std::string("\xff\x59\x02\xfd\0", 5)), std::string::npos);
 }
 
 TEST(OfflineRender, LeavesTheEffectPlayingWhereItWas)

@@ -1,206 +1,154 @@
-// Hosts are built without our headers: they know the order of the virtual operations only. These
-// mirrors declare it independently.
+// A host's calls, by the order of the virtual operations alone.
 #include "effect/CLooper.h"
+#include "shared/System/kvStream.h"
 #include "tests/effect/Fakes.h"
+#include "tests/effect/Mirrors.h"
+#include "tests/effect/NotedEffect.h"
 
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
 
 using namespace Korvanel;
 
 namespace {
 
-struct MirrorEffect
+using Names = std::vector<std::string>;
+
+class NotedEditor : public MidiEffectEditor
 {
-    virtual ~MirrorEffect() = default;
-    virtual void initialize(void*) = 0;
-    virtual void terminate() = 0;
-    virtual void enable() = 0;
-    virtual void disable() = 0;
-    virtual void start(std::int32_t) = 0;
-    virtual void stop(std::int32_t) = 0;
-    virtual void loop(std::int32_t, std::int32_t) = 0;
-    virtual void slice(std::int32_t, std::int32_t, void*) = 0; // a reference is passed as a pointer
-    virtual void input(void*) = 0;
-    virtual bool hasEditor() = 0;
-    virtual void* editor() = 0;
-    virtual void save(void*) = 0;
-    virtual void load(void*) = 0;
-    virtual void loadBytes(void*, std::uint32_t) = 0;
-    virtual void* find(const char*) = 0;
-    // The effect's own, behind the host's.
-    virtual bool current(void*) = 0;
-    virtual bool choose(void*) = 0;
-    virtual bool add(void*) = 0;
-    virtual bool removeObserver(void*) = 0;
-    virtual void shift(int) = 0;
-    virtual void silent(bool) = 0;
-    virtual bool document(void*) = 0;
-};
-
-struct MirrorLooper
-{
-    virtual bool current(void*) = 0;
-    virtual bool choose(void*) = 0;
-    virtual bool add(void*) = 0;
-    virtual bool remove(void*) = 0;
-    virtual void shift(int) = 0;
-    virtual void silent(bool) = 0;
-
-protected:
-    ~MirrorLooper() = default;
-};
-
-struct MirrorContext
-{
-    virtual int quarter() { return 960; }
-
-    virtual double tempo() { return 60; }
-
-    virtual std::int32_t barPosition(int bar, int, int) { return bar * 1000; }
-
-    virtual void getBar(std::int32_t, int* bar, int* beat, int* tick)
+public:
+    explicit NotedEditor(Names& reached)
+        : mReached(reached)
     {
-        *bar = 7;
-        *beat = 8;
-        *tick = 9;
     }
 
-    virtual int numerator() { return 3; }
+    ~NotedEditor() override { mReached.emplace_back("destructor"); }
 
-    virtual int denominator() { return 8; }
+    void getEditorSize(int*, int*) override { mReached.emplace_back("getEditorSize"); }
+
+    std::int32_t attach(void*, int, int) override
+    {
+        mReached.emplace_back("attach");
+        return 0;
+    }
+
+    void remove() override { mReached.emplace_back("remove"); }
+
+private:
+    Names& mReached;
 };
 
-struct MirrorQueue
+MirrorEffect* mirrorOf(CLooper& effect)
 {
-    virtual void one() { ADD_FAILURE() << "the host's own slot"; }
-
-    virtual void two() { ADD_FAILURE() << "the host's own slot"; }
-
-    virtual void insert(const MidiEvent&) { ++inserted; }
-
-    virtual int count() { return 1 - removed; }
-
-    virtual MidiEvent get(int) { return {0, 0xC0, 5, 0, 0, 0}; }
-
-    virtual void six() { ADD_FAILURE() << "the host's own slot"; }
-
-    virtual void remove(int) { ++removed; }
-
-    int inserted = 0;
-    int removed = 0;
-};
-
-struct MirrorListener
-{
-    virtual void disconnect() { last = 1; }
-
-    virtual void refresh() { last = 2; }
-
-    virtual void loaded() { last = 3; }
-
-    virtual void update() { last = 4; }
-
-    virtual void start() { last = 5; }
-
-    virtual void patterns() { last = 6; }
-
-    virtual void program(int) { last = 7; }
-
-    virtual void selected() { last = 8; }
-
-    int last = 0;
-};
-
-struct MirrorObserver
-{
-    virtual void changed() { ++told; }
-
-    int told = 0;
-};
+    return seenAs<MirrorEffect>(static_cast<MidiEffect*>(&effect));
+}
 
 } // namespace
+
+TEST(Slots, TheHostsOperationsOfTheEffect)
+{
+    Names reached;
+    MirrorEffect* const effect = mirrorOf(*new NotedEffect(reached));
+    ListQueue queue;
+    stringStream stream;
+    effect->initialize(nullptr);
+    effect->terminate();
+    effect->enable();
+    effect->disable();
+    effect->start(0);
+    effect->stop(0);
+    effect->loop(0, 1);
+    effect->slice(0, 1, &queue);
+    effect->input(&queue);
+    effect->hasEditor();
+    effect->editor();
+    effect->save(static_cast<OutputStream*>(&stream));
+    effect->load(static_cast<InputStream*>(&stream));
+    effect->loadBytes(nullptr, 0);
+    effect->find("");
+    delete effect;
+    EXPECT_EQ(reached, (Names{"Initialize", "Terminate", "Enable", "Disable", "processStart",
+                              "processStop", "processLoop", "process", "processInput", "hasEditor",
+                              "createEditor", "SaveTo", "LoadFrom stream", "LoadFrom bytes",
+                              "get_interface", "destructor"}));
+}
+
+TEST(Slots, TheEffectsOwnOperationsBehindThem)
+{
+    Names reached;
+    NotedEffect noted(reached);
+    MirrorEffect* const effect = mirrorOf(noted);
+    stringStream stream;
+    effect->current(nullptr);
+    effect->choose(nullptr);
+    effect->add(nullptr);
+    effect->removeObserver(nullptr);
+    effect->shift(0);
+    effect->silent(false);
+    effect->document(nullptr);
+    effect->folder();
+    effect->render(static_cast<OutputStream*>(&stream), 1);
+    effect->drop(static_cast<InputStream*>(&stream), nullptr);
+    effect->restart();
+    effect->press();
+    EXPECT_EQ(reached,
+              (Names{"GetCurrentPattern", "SetCurrentPattern", "AddObserver", "RemoveObserver",
+                     "VelocityShift", "SilentPlay", "GetDocumentPath", "GetPatternsDir",
+                     "SaveTrack", "LoadTrack", "stopAndStart", "pressPlay"}));
+}
+
+TEST(Slots, TheLooperInterface)
+{
+    Names reached;
+    NotedEffect effect(reached);
+    auto* const looper = seenAs<MirrorLooper>(static_cast<ILooper*>(&effect));
+    looper->current(nullptr);
+    looper->choose(nullptr);
+    looper->add(nullptr);
+    looper->remove(nullptr);
+    looper->shift(0);
+    looper->silent(false);
+    EXPECT_EQ(reached, (Names{"GetCurrentPattern", "SetCurrentPattern", "AddObserver",
+                              "RemoveObserver", "VelocityShift", "SilentPlay"}));
+}
+
+TEST(Slots, TheEditor)
+{
+    Names reached;
+    MidiEffectEditor* const made = new NotedEditor(reached);
+    auto* const editor = seenAs<MirrorEditor>(made);
+    editor->size(nullptr, nullptr);
+    editor->attach(nullptr, 0, 0);
+    editor->remove();
+    delete editor;
+    EXPECT_EQ(reached, (Names{"getEditorSize", "attach", "remove", "destructor"}));
+}
 
 TEST(Slots, AHostDrivesTheEffectThroughThem)
 {
     CLooper looper;
-    looper.set_track(pattern(960, {noteAt(0, 10)}));
-    auto* effect = reinterpret_cast<MirrorEffect*>(static_cast<MidiEffect*>(&looper));
-    MirrorContext context;
-    MirrorQueue queue;
-    effect->initialize(&context);
+    looper.set_track(pattern(480, {noteAt(0, 10), noteAt(480, 10)}));
+    MirrorEffect* const effect = mirrorOf(looper);
+    ListQueue queue;
+    effect->initialize(nullptr);
     effect->enable();
-    EXPECT_TRUE(looper.isEnabled());
-    effect->slice(0, 100, &queue);
-    EXPECT_EQ(queue.inserted, 1);
+    effect->start(0);
+    effect->slice(0, 479, &queue);
+    EXPECT_EQ(queue.events.size(), 1u);
+    queue.events.clear();
+    queue.Insert(0, 0xC0, 5, 0);
     effect->input(&queue);
-    EXPECT_EQ(queue.removed, 1);
-    EXPECT_TRUE(effect->hasEditor());
-    EXPECT_EQ(effect->editor(), nullptr);
-    EXPECT_EQ(effect->find("Korvanel::ILooper"), static_cast<ILooper*>(&looper));
-    effect->shift(500);
+    EXPECT_TRUE(queue.events.empty());
+    auto* const found = seenAs<MirrorLooper>(effect->find("Korvanel::ILooper"));
+    ASSERT_NE(found, nullptr);
+    found->shift(500);
     EXPECT_EQ(looper.getVeloPlus().value, 127);
-    EXPECT_FALSE(effect->document(nullptr));
-    char bytes[4] = {1, 0, 0, 0};
-    effect->loadBytes(bytes, 4);
+    effect->stop(480);
     effect->disable();
     EXPECT_FALSE(looper.isEnabled());
     effect->terminate();
     EXPECT_EQ(looper.getCurrentTick(), 0);
-}
-
-TEST(Slots, TheContextIsAskedThroughThem)
-{
-    MirrorContext host;
-    const ProcessContext_for_MidiContext context(reinterpret_cast<MidiContext*>(&host));
-    EXPECT_EQ(context.ppq, 960);
-    EXPECT_EQ(context.convertMbtToTicks(3, 0, 0), 3000);
-    int bar = 0;
-    int beat = 0;
-    int tick = 0;
-    context.convertTicksToMbt(0, &bar, &beat, &tick);
-    EXPECT_EQ(bar + beat + tick, 24);
-    auto* asked = reinterpret_cast<MidiContext*>(&host);
-    EXPECT_EQ(asked->Tempo(), 60);
-    EXPECT_EQ(asked->TimeSigNumerator(), 3);
-    EXPECT_EQ(asked->TimeSigDenominator(), 8);
-}
-
-TEST(Slots, TheLooperInterfaceHasThem)
-{
-    CLooper looper;
-    auto* mirror = static_cast<MirrorLooper*>(looper.get_interface("Korvanel::ILooper"));
-    MirrorObserver observer;
-    EXPECT_TRUE(mirror->add(&observer));
-    looper.AddLooperListener(nullptr);
-    looper.RemoveLooperListener(nullptr);
-    EXPECT_TRUE(mirror->remove(&observer));
-    EXPECT_FALSE(mirror->current(nullptr));
-    EXPECT_FALSE(mirror->choose(nullptr));
-    mirror->shift(-500);
-    EXPECT_EQ(looper.getVeloPlus().value, -127);
-    mirror->silent(true);
-}
-
-TEST(Slots, ListenersAreToldThroughThem)
-{
-    CLooper looper;
-    MirrorListener mirror;
-    auto* listener = reinterpret_cast<CLooper::Listener*>(&mirror);
-    looper.AddLooperListener(listener);
-    looper.SetChPort(1, 1);
-    EXPECT_EQ(mirror.last, 2);
-    looper.VelocityShift(1);
-    EXPECT_EQ(mirror.last, 4);
-    looper.processStart(0);
-    EXPECT_EQ(mirror.last, 5);
-    looper.PatternTreeIsUpdated();
-    EXPECT_EQ(mirror.last, 6);
-    looper.Enable();
-    looper.process_input({0, 0xC0, 5, 0, 0, 0});
-    EXPECT_EQ(mirror.last, 7);
-    listener->patternSelected();
-    EXPECT_EQ(mirror.last, 8);
-    looper.disconnect();
-    EXPECT_EQ(mirror.last, 1);
-    looper.RemoveLooperListener(listener);
 }

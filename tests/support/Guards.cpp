@@ -141,6 +141,24 @@ std::size_t AllocationGuard::largest() const
     return tLargest;
 }
 
+// There with the address sanitizer only.
+extern "C" {
+[[gnu::weak]] void __lsan_disable();
+[[gnu::weak]] void __lsan_enable();
+}
+
+LeakAllowance::LeakAllowance()
+{
+    if (&__lsan_disable != nullptr)
+        __lsan_disable();
+}
+
+LeakAllowance::~LeakAllowance()
+{
+    if (&__lsan_enable != nullptr)
+        __lsan_enable();
+}
+
 LockCounter::LockCounter()
     : mBefore(tLocks)
 {

@@ -1,4 +1,5 @@
 /// Counts what real-time code must not do on the calling thread: allocations, locks, file accesses.
+/// Says which leaks are meant.
 #pragma once
 #include <cstddef>
 
@@ -17,6 +18,17 @@ public:
 private:
     std::size_t mBefore;
     std::size_t mLargestBefore;
+};
+
+/// What this thread allocates while it lives may stay behind: the address sanitizer does not report
+/// it.
+class LeakAllowance
+{
+public:
+    LeakAllowance();
+    LeakAllowance(const LeakAllowance&) = delete;
+    LeakAllowance& operator=(const LeakAllowance&) = delete;
+    ~LeakAllowance();
 };
 
 /// Counts the mutexes that this thread locks while it lives. Sanitizers put their own locks in

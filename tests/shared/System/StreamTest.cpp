@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <unistd.h>
 #include <vector>
 
@@ -18,12 +17,7 @@ using namespace Korvanel;
 
 namespace {
 
-struct Release
-{
-    void operator()(IRefCounter* counted) const { counted->Release(); }
-};
-
-using Buffer = std::unique_ptr<StreamBuffer, Release>;
+using Buffer = OwnedStreamBuffer;
 
 Buffer growable()
 {
