@@ -63,10 +63,23 @@ LV2_Worker_Status workResponse(LV2_Handle, std::uint32_t, const void*)
     return LV2_WORKER_SUCCESS; // there is nothing to answer
 }
 
+std::uint32_t getOptions(LV2_Handle handle, LV2_Options_Option* options)
+{
+    return plugin(handle).options().get(options);
+}
+
+std::uint32_t setOptions(LV2_Handle handle, const LV2_Options_Option* options)
+{
+    return plugin(handle).options().set(options);
+}
+
 const void* extensionData(const char* uri)
 {
     static const LV2_State_Interface state{&save, &restore};
     static const LV2_Worker_Interface worker{&work, &workResponse, nullptr};
+    static const LV2_Options_Interface options{&getOptions, &setOptions};
+    if (std::strcmp(uri, LV2_OPTIONS__interface) == 0)
+        return &options;
     if (std::strcmp(uri, LV2_STATE__interface) == 0)
         return &state;
     if (std::strcmp(uri, LV2_WORKER__interface) == 0)

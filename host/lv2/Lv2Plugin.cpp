@@ -26,15 +26,16 @@ Lv2Features::Lv2Features(const LV2_Feature* const* features)
         take(map, **features, LV2_URID__map);
         take(schedule, **features, LV2_WORKER__schedule);
         take(log, **features, LV2_LOG__log);
+        take(options, **features, LV2_OPTIONS__options);
     }
 }
 
 Lv2Plugin::Lv2Plugin(double sampleRate, const Lv2Features& features)
     : mFeatures(features)
     , mUris(*features.map)
-    , mSampleRate(sampleRate)
+    , mOptions(mUris, sampleRate, features.options)
 {
-    mBridge.prepare(sampleRate);
+    mBridge.prepare(mOptions.sampleRate());
     if (mFeatures.schedule == nullptr)
         mWorker = std::make_unique<BackgroundWorker>([this] { work(); });
 }
@@ -59,7 +60,7 @@ void Lv2Plugin::connect(std::uint32_t port, void* data)
 
 void Lv2Plugin::activate()
 {
-    mTime.prepare(mSampleRate);
+    mTime.prepare(mOptions.sampleRate());
     mBridge.activate();
 }
 

@@ -79,12 +79,11 @@ TEST_F(Lv2State, AProjectWithoutStateChangesNothing)
 {
     Lv2Instance plugin(*world);
     choose(plugin, 0);
-    const auto* interface = static_cast<const LV2_State_Interface*>(
-        lilv_instance_get_extension_data(plugin.instance, LV2_STATE__interface));
+    const auto& interface = plugin.extension<LV2_State_Interface>(LV2_STATE__interface);
     const auto nothing = [](LV2_State_Handle, std::uint32_t, std::size_t*, std::uint32_t*,
                             std::uint32_t*) -> const void* { return nullptr; };
     EXPECT_EQ(
-        interface->restore(lilv_instance_get_handle(plugin.instance), nothing, nullptr, 0, nullptr),
+        interface.restore(lilv_instance_get_handle(plugin.instance), nothing, nullptr, 0, nullptr),
         LV2_STATE_ERR_NO_PROPERTY);
     plugin.playAt(0, 0, 0);
     plugin.run(100);
