@@ -1,10 +1,18 @@
 // The plug-in as hosts load it: C functions around Lv2Plugin.
+#include "host/lv2/LiveInstances.h"
 #include "host/lv2/Lv2Plugin.h"
 
 #include <cstring>
 #include <exception>
+#include <memory>
 
 namespace {
+
+LiveInstances& instances()
+{
+    static LiveInstances all;
+    return all;
+}
 
 Lv2Plugin& plugin(LV2_Handle handle)
 {
@@ -15,7 +23,11 @@ LV2_Handle instantiate(const LV2_Descriptor*, double sampleRate, const char*,
                        const LV2_Feature* const* features)
 try {
     const Lv2Features offered(features);
-    return offered.map == nullptr ? nullptr : new Lv2Plugin(sampleRate, offered);
+    if (offered.map == nullptr)
+        return nullptr;
+    auto made = std::make_unique<Lv2Plugin>(sampleRate, offered);
+    instances().add(made.get());
+    return made.release();
 
 } catch (const std::exception&) {
 
@@ -24,6 +36,7 @@ try {
 
 void cleanup(LV2_Handle handle)
 {
+    instances().remove(handle);
     delete &plugin(handle);
 }
 
@@ -47,11 +60,13 @@ try {
     return LV2_STATE_ERR_UNKNOWN;
 }
 
+/// A late call may also meet a new instance at the address of one that is gone: it then does what
+/// that one has asked for itself, or nothing.
 LV2_Worker_Status work(LV2_Handle handle, LV2_Worker_Respond_Function, LV2_Worker_Respond_Handle,
                        std::uint32_t, const void*)
 try {
-    plugin(handle).work();
-    return LV2_WORKER_SUCCESS;
+    const bool done = instances().call(handle, [&] { plugin(handle).work(); });
+    return done ? LV2_WORKER_SUCCESS : LV2_WORKER_ERR_UNKNOWN;
 
 } catch (const std::exception&) {
 

@@ -91,6 +91,15 @@ public:
     UridMap urids;
 };
 
+/// What a host's worker does with one piece of work.
+inline LV2_Worker_Status callWorker(const LV2_Worker_Interface& worker, LV2_Handle handle)
+{
+    const auto nobody = [](LV2_Worker_Respond_Handle, std::uint32_t, const void*) {
+        return LV2_WORKER_SUCCESS;
+    };
+    return worker.work(handle, nobody, nullptr, 0, nullptr);
+}
+
 class Lv2Instance
 {
 public:
@@ -219,12 +228,9 @@ public:
 
     void work()
     {
-        const auto& worker = extension<LV2_Worker_Interface>(LV2_WORKER__interface);
-        const auto nobody = [](LV2_Worker_Respond_Handle, std::uint32_t, const void*) {
-            return LV2_WORKER_SUCCESS;
-        };
         for (; asked > 0; --asked)
-            worker.work(lilv_instance_get_handle(instance), nobody, nullptr, 0, nullptr);
+            callWorker(extension<LV2_Worker_Interface>(LV2_WORKER__interface),
+                       lilv_instance_get_handle(instance));
     }
 
     std::vector<Sent> take() { return std::exchange(sent, {}); }
