@@ -36,6 +36,8 @@ Lv2Plugin::Lv2Plugin(double sampleRate, const Lv2Features& features)
     , mOptions(mUris, sampleRate, features.options)
 {
     mBridge.prepare(mOptions.sampleRate());
+    std::transform(Parameters::table().begin(), Parameters::table().end(), mSeen.begin(),
+                   [](const Parameter& parameter) { return static_cast<float>(parameter.normal); });
     if (mFeatures.schedule == nullptr)
         mWorker = std::make_unique<BackgroundWorker>([this] { work(); });
 }
@@ -84,7 +86,19 @@ void Lv2Plugin::takeControls()
         mBridge.setBypassed(!(*mEnabled > 0));
     for (std::size_t index = 0; index < mParameters.size(); ++index)
         if (mParameters[index] != nullptr)
-            mBridge.parameters().fromHost(index, *mParameters[index]);
+            takeParameter(index, *mParameters[index]);
+}
+
+/// A port counts when it moves, and at first when it is not where ports stand that nobody has
+/// touched. So what the window has changed holds before the host has written it back, and so does
+/// a state that comes alone, without ports; where a project's ports and its state differ, the ports
+/// win at first, being what the host shows, and later whoever comes last.
+void Lv2Plugin::takeParameter(std::size_t index, float value)
+{
+    if (value == mSeen[index])
+        return;
+    mSeen[index] = value;
+    mBridge.parameters().fromHost(index, value);
 }
 
 void Lv2Plugin::takeEvents()

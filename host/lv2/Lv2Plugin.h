@@ -54,6 +54,7 @@ public:
 
 private:
     void takeControls();
+    void takeParameter(std::size_t index, float value);
     void takeEvents();
     void askForWork();
     void logError(const char* text);
@@ -67,6 +68,7 @@ private:
     LV2_Atom_Sequence* mOut = nullptr;
     const float* mEnabled = nullptr;
     std::array<const float*, Parameters::kCount> mParameters{};
+    std::array<float, Parameters::kCount> mSeen{}; ///< what the ports said last
     std::atomic<bool> mWorkAsked{false};
     std::unique_ptr<BackgroundWorker> mWorker; ///< where the host has none; goes first
 };
