@@ -54,6 +54,8 @@ void run(LV2_Handle handle, std::uint32_t frames)
             std::fprintf(stderr, "port %d is %g\n", static_cast<int>(&control - gControls.data()),
                          static_cast<double>(control.last));
     }
+    if (!gRan)
+        std::fprintf(stderr, "port values are read\n");
     gRan = true;
     spied()->run(handle, frames);
 }
