@@ -1,10 +1,18 @@
 // The plug-in as hosts load it: C functions around Lv2Plugin.
+#include "host/lv2/LiveInstances.h"
 #include "host/lv2/Lv2Plugin.h"
 
 #include <cstring>
 #include <exception>
+#include <memory>
 
 namespace {
+
+LiveInstances& instances()
+{
+    static LiveInstances all;
+    return all;
+}
 
 Lv2Plugin& plugin(LV2_Handle handle)
 {
@@ -15,7 +23,11 @@ LV2_Handle instantiate(const LV2_Descriptor*, double sampleRate, const char*,
                        const LV2_Feature* const* features)
 try {
     const Lv2Features offered(features);
-    return offered.map == nullptr ? nullptr : new Lv2Plugin(sampleRate, offered);
+    if (offered.map == nullptr)
+        return nullptr;
+    auto made = std::make_unique<Lv2Plugin>(sampleRate, offered);
+    instances().add(made.get());
+    return made.release();
 
 } catch (const std::exception&) {
 
@@ -24,6 +36,7 @@ try {
 
 void cleanup(LV2_Handle handle)
 {
+    instances().remove(handle);
     delete &plugin(handle);
 }
 
@@ -47,11 +60,13 @@ try {
     return LV2_STATE_ERR_UNKNOWN;
 }
 
+/// A late call may also meet a new instance at the address of one that is gone: it then does what
+/// that one has asked for itself, or nothing.
 LV2_Worker_Status work(LV2_Handle handle, LV2_Worker_Respond_Function, LV2_Worker_Respond_Handle,
                        std::uint32_t, const void*)
 try {
-    plugin(handle).work();
-    return LV2_WORKER_SUCCESS;
+    const bool done = instances().call(handle, [&] { plugin(handle).work(); });
+    return done ? LV2_WORKER_SUCCESS : LV2_WORKER_ERR_UNKNOWN;
 
 } catch (const std::exception&) {
 
@@ -63,10 +78,23 @@ LV2_Worker_Status workResponse(LV2_Handle, std::uint32_t, const void*)
     return LV2_WORKER_SUCCESS; // there is nothing to answer
 }
 
+std::uint32_t getOptions(LV2_Handle handle, LV2_Options_Option* options)
+{
+    return plugin(handle).options().get(options);
+}
+
+std::uint32_t setOptions(LV2_Handle handle, const LV2_Options_Option* options)
+{
+    return plugin(handle).options().set(options);
+}
+
 const void* extensionData(const char* uri)
 {
     static const LV2_State_Interface state{&save, &restore};
     static const LV2_Worker_Interface worker{&work, &workResponse, nullptr};
+    static const LV2_Options_Interface options{&getOptions, &setOptions};
+    if (std::strcmp(uri, LV2_OPTIONS__interface) == 0)
+        return &options;
     if (std::strcmp(uri, LV2_STATE__interface) == 0)
         return &state;
     if (std::strcmp(uri, LV2_WORKER__interface) == 0)

@@ -26,15 +26,18 @@ Lv2Features::Lv2Features(const LV2_Feature* const* features)
         take(map, **features, LV2_URID__map);
         take(schedule, **features, LV2_WORKER__schedule);
         take(log, **features, LV2_LOG__log);
+        take(options, **features, LV2_OPTIONS__options);
     }
 }
 
 Lv2Plugin::Lv2Plugin(double sampleRate, const Lv2Features& features)
     : mFeatures(features)
     , mUris(*features.map)
-    , mSampleRate(sampleRate)
+    , mOptions(mUris, sampleRate, features.options)
 {
-    mBridge.prepare(sampleRate);
+    mBridge.prepare(mOptions.sampleRate());
+    std::transform(Parameters::table().begin(), Parameters::table().end(), mSeen.begin(),
+                   [](const Parameter& parameter) { return static_cast<float>(parameter.normal); });
     if (mFeatures.schedule == nullptr)
         mWorker = std::make_unique<BackgroundWorker>([this] { work(); });
 }
@@ -59,7 +62,7 @@ void Lv2Plugin::connect(std::uint32_t port, void* data)
 
 void Lv2Plugin::activate()
 {
-    mTime.prepare(mSampleRate);
+    mTime.prepare(mOptions.sampleRate());
     mBridge.activate();
 }
 
@@ -83,7 +86,19 @@ void Lv2Plugin::takeControls()
         mBridge.setBypassed(!(*mEnabled > 0));
     for (std::size_t index = 0; index < mParameters.size(); ++index)
         if (mParameters[index] != nullptr)
-            mBridge.parameters().fromHost(index, *mParameters[index]);
+            takeParameter(index, *mParameters[index]);
+}
+
+/// A port counts when it moves, and at first when it is not where ports stand that nobody has
+/// touched. So what the window has changed holds before the host has written it back, and so does
+/// a state that comes alone, without ports; where a project's ports and its state differ, the ports
+/// win at first, being what the host shows, and later whoever comes last.
+void Lv2Plugin::takeParameter(std::size_t index, float value)
+{
+    if (value == mSeen[index])
+        return;
+    mSeen[index] = value;
+    mBridge.parameters().fromHost(index, value);
 }
 
 void Lv2Plugin::takeEvents()

@@ -3,6 +3,7 @@
 #include "host/bridge/BackgroundWorker.h"
 #include "host/bridge/PluginBridge.h"
 #include "host/lv2/Lv2Names.h"
+#include "host/lv2/Lv2Options.h"
 #include "host/lv2/Lv2Time.h"
 #include "host/lv2/Lv2Uris.h"
 
@@ -25,6 +26,7 @@ struct Lv2Features
     const LV2_URID_Map* map = nullptr;
     const LV2_Worker_Schedule* schedule = nullptr;
     const LV2_Log_Log* log = nullptr;
+    const LV2_Options_Option* options = nullptr; ///< for the constructor's time
 };
 
 /// run is the audio thread's, save and restore may come from another one meanwhile, the rest comes
@@ -46,23 +48,27 @@ public:
     LV2_State_Status save(LV2_State_Store_Function store, LV2_State_Handle handle);
     LV2_State_Status restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle);
 
+    Lv2Options& options() { return mOptions; }
+
     PluginBridge& bridge() { return mBridge; }
 
 private:
     void takeControls();
+    void takeParameter(std::size_t index, float value);
     void takeEvents();
     void askForWork();
     void logError(const char* text);
 
     const Lv2Features mFeatures;
     const Lv2Uris mUris;
-    const double mSampleRate;
+    Lv2Options mOptions;
     Lv2Time mTime{mUris};
     PluginBridge mBridge;
     const LV2_Atom_Sequence* mIn = nullptr;
     LV2_Atom_Sequence* mOut = nullptr;
     const float* mEnabled = nullptr;
     std::array<const float*, Parameters::kCount> mParameters{};
+    std::array<float, Parameters::kCount> mSeen{}; ///< what the ports said last
     std::atomic<bool> mWorkAsked{false};
     std::unique_ptr<BackgroundWorker> mWorker; ///< where the host has none; goes first
 };

@@ -3,8 +3,10 @@
 #include "host/lv2/Lv2Names.h"
 
 #include <lv2/atom/atom.h>
+#include <lv2/buf-size/buf-size.h>
 #include <lv2/log/log.h>
 #include <lv2/midi/midi.h>
+#include <lv2/parameters/parameters.h>
 #include <lv2/time/time.h>
 
 Lv2Uris::Lv2Uris(const LV2_URID_Map& map)
@@ -20,7 +22,10 @@ Lv2Uris::Lv2Uris(const LV2_URID_Map& map)
     atomObject = number(LV2_ATOM__Object);
     atomSequence = number(LV2_ATOM__Sequence);
     logError = number(LV2_LOG__Error);
+    maxBlockLength = number(LV2_BUF_SIZE__maxBlockLength);
     midiEvent = number(LV2_MIDI__MidiEvent);
+    nominalBlockLength = number(LV2_BUF_SIZE__nominalBlockLength);
+    sampleRate = number(LV2_PARAMETERS__sampleRate);
     state = number(kLv2StateUri);
     timeBar = number(LV2_TIME__bar);
     timeBarBeat = number(LV2_TIME__barBeat);

@@ -16,7 +16,10 @@ struct Lv2Uris
     LV2_URID atomObject;
     LV2_URID atomSequence;
     LV2_URID logError;
+    LV2_URID maxBlockLength;
     LV2_URID midiEvent;
+    LV2_URID nominalBlockLength;
+    LV2_URID sampleRate;
     LV2_URID state;
     LV2_URID timeBar;
     LV2_URID timeBarBeat;

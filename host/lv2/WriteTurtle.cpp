@@ -11,11 +11,13 @@
 namespace {
 
 constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/atom#> .
+@prefix bufsz: <http://lv2plug.in/ns/ext/buf-size#> .
 @prefix doap: <http://usefulinc.com/ns/doap#> .
 @prefix log: <http://lv2plug.in/ns/ext/log#> .
 @prefix lv2: <http://lv2plug.in/ns/lv2core#> .
 @prefix midi: <http://lv2plug.in/ns/ext/midi#> .
 @prefix opts: <http://lv2plug.in/ns/ext/options#> .
+@prefix param: <http://lv2plug.in/ns/ext/parameters#> .
 @prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .
 @prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
 @prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
@@ -35,8 +37,10 @@ constexpr const char* kPlugin = R"(    a lv2:Plugin , lv2:MIDIPlugin ;
     lv2:minorVersion 0 ;
     lv2:microVersion 1 ;
     lv2:requiredFeature urid:map ;
-    lv2:optionalFeature lv2:hardRTCapable , work:schedule , state:threadSafeRestore , log:log ;
-    lv2:extensionData state:interface , work:interface ;
+    lv2:optionalFeature lv2:hardRTCapable , work:schedule , state:threadSafeRestore , log:log ,
+        opts:options , bufsz:boundedBlockLength ;
+    lv2:extensionData state:interface , work:interface , opts:interface ;
+    opts:supportedOption bufsz:maxBlockLength , bufsz:nominalBlockLength , param:sampleRate ;
     lv2:port )";
 
 // Without the idle interface the window would never move, and without the instance it has nothing

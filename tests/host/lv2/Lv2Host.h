@@ -8,6 +8,7 @@
 #include <lv2/atom/util.h>
 #include <lv2/log/log.h>
 #include <lv2/midi/midi.h>
+#include <lv2/options/options.h>
 #include <lv2/state/state.h>
 #include <lv2/time/time.h>
 #include <lv2/urid/urid.h>
@@ -90,13 +91,24 @@ public:
     UridMap urids;
 };
 
+/// What a host's worker does with one piece of work.
+inline LV2_Worker_Status callWorker(const LV2_Worker_Interface& worker, LV2_Handle handle)
+{
+    const auto nobody = [](LV2_Worker_Respond_Handle, std::uint32_t, const void*) {
+        return LV2_WORKER_SUCCESS;
+    };
+    return worker.work(handle, nobody, nullptr, 0, nullptr);
+}
+
 class Lv2Instance
 {
 public:
     static constexpr std::size_t kBytes = 65536;
     static constexpr std::uint32_t kFirstParameter = 3;
 
-    explicit Lv2Instance(Lv2World& world, double rate = 48000, bool offersWorker = true)
+    /// @param options  for the instance's first moments; null: none
+    explicit Lv2Instance(Lv2World& world, double rate = 48000, bool offersWorker = true,
+                         const LV2_Options_Option* options = nullptr)
         : mWorld(world)
         , mIn(kBytes / sizeof(std::uint64_t))
         , mOut(kBytes / sizeof(std::uint64_t))
@@ -104,6 +116,10 @@ public:
         std::vector<const LV2_Feature*> features{&mMap, &mUnmap, &mLog};
         if (offersWorker)
             features.push_back(&mSchedule);
+        const LV2_Feature optionsFeature{LV2_OPTIONS__options,
+                                         const_cast<LV2_Options_Option*>(options)};
+        if (options != nullptr)
+            features.push_back(&optionsFeature);
         features.push_back(nullptr);
         instance = lilv_plugin_instantiate(world.plugin, rate, features.data());
         if (instance == nullptr)
@@ -204,15 +220,17 @@ public:
         lilv_instance_run(instance, frames);
     }
 
+    template <class Interface>
+    const Interface& extension(const char* uri) const
+    {
+        return *static_cast<const Interface*>(lilv_instance_get_extension_data(instance, uri));
+    }
+
     void work()
     {
-        const auto* worker = static_cast<const LV2_Worker_Interface*>(
-            lilv_instance_get_extension_data(instance, LV2_WORKER__interface));
-        const auto nobody = [](LV2_Worker_Respond_Handle, std::uint32_t, const void*) {
-            return LV2_WORKER_SUCCESS;
-        };
         for (; asked > 0; --asked)
-            worker->work(lilv_instance_get_handle(instance), nobody, nullptr, 0, nullptr);
+            callWorker(extension<LV2_Worker_Interface>(LV2_WORKER__interface),
+                       lilv_instance_get_handle(instance));
     }
 
     std::vector<Sent> take() { return std::exchange(sent, {}); }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace {
 
 class Lv2Turtle : public testing::Test
@@ -28,6 +30,18 @@ protected:
     static std::string symbolOf(const LilvPlugin* plugin, const LilvPort* port)
     {
         return lilv_node_as_string(lilv_port_get_symbol(plugin, port));
+    }
+
+    std::set<std::string> valuesOf(const char* property)
+    {
+        std::set<std::string> all;
+        LilvNode* node = lilv_new_uri(world.world, property);
+        LilvNodes* values = lilv_plugin_get_value(world.plugin, node);
+        LILV_FOREACH(nodes, at, values)
+        all.insert(lilv_node_as_string(lilv_nodes_get(values, at)));
+        lilv_nodes_free(values);
+        lilv_node_free(node);
+        return all;
     }
 
     std::vector<std::string> choicesOf(const LilvPort* port)
@@ -56,6 +70,18 @@ TEST_F(Lv2Turtle, LilvTakesThePlugInForWhole)
 {
     EXPECT_TRUE(lilv_plugin_verify(world.plugin));
     EXPECT_TRUE(plugInHas("http://lv2plug.in/ns/lv2core#hardRTCapable"));
+}
+
+TEST_F(Lv2Turtle, ItTellsWhichOptionsItTakes)
+{
+    EXPECT_TRUE(plugInHas("http://lv2plug.in/ns/ext/options#options"));
+    EXPECT_TRUE(plugInHas("http://lv2plug.in/ns/ext/buf-size#boundedBlockLength"));
+    EXPECT_EQ(valuesOf("http://lv2plug.in/ns/ext/options#supportedOption"),
+              (std::set<std::string>{"http://lv2plug.in/ns/ext/buf-size#maxBlockLength",
+                                     "http://lv2plug.in/ns/ext/buf-size#nominalBlockLength",
+                                     "http://lv2plug.in/ns/ext/parameters#sampleRate"}));
+    EXPECT_EQ(valuesOf("http://lv2plug.in/ns/lv2core#requiredFeature"),
+              (std::set<std::string>{"http://lv2plug.in/ns/ext/urid#map"}));
 }
 
 TEST_F(Lv2Turtle, ThereIsOnePortForEachParameterBehindTheFirstThree)

@@ -79,6 +79,39 @@ TEST_F(InLv2Window, AnArrowReachesTheSoundAndTheHost)
     EXPECT_EQ(plugin.take(), (SentList{on(0, 40, 101)}));
 }
 
+TEST_F(InLv2Window, AChangeHoldsWhileTheHostLeavesThePortWhereItWas)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    const auto window = open(plugin, {makeParent()});
+    ASSERT_NE(window->handle, nullptr) << window->logged;
+    ASSERT_TRUE(untilPainted(*window));
+    display.click(kMoreVelocity);
+    ASSERT_TRUE(until({window.get()}, [&] { return !window->writes.empty(); }));
+    plugin.run(100);
+    plugin.playAt(0, 0, 0);
+    plugin.run(100);
+    EXPECT_EQ(plugin.take(), (SentList{on(100, 40, 101)}));
+    window->idle();
+    EXPECT_EQ(window->writes.size(), 1u);
+}
+
+TEST_F(InLv2Window, AfterAChangeThePortIsFollowedAsSoonAsItMoves)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    const auto window = open(plugin, {makeParent()});
+    ASSERT_NE(window->handle, nullptr) << window->logged;
+    ASSERT_TRUE(untilPainted(*window));
+    display.click(kMoreVelocity);
+    ASSERT_TRUE(until({window.get()}, [&] { return !window->writes.empty(); }));
+    plugin.run(100);
+    plugin.control("velocity_add") = -7;
+    plugin.playAt(0, 0, 0);
+    plugin.run(100);
+    EXPECT_EQ(plugin.take(), (SentList{on(100, 40, 93)}));
+}
+
 TEST_F(InLv2Window, WhatTheHostSetsItIsNotToldAgain)
 {
     Lv2Instance plugin(*world);
