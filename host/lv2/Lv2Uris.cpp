@@ -22,6 +22,7 @@ Lv2Uris::Lv2Uris(const LV2_URID_Map& map)
     logError = number(LV2_LOG__Error);
     midiEvent = number(LV2_MIDI__MidiEvent);
     state = number(kLv2StateUri);
+    ardourTimeScale = number("http://ardour.org/lv2/time#scale");
     timeBar = number(LV2_TIME__bar);
     timeBarBeat = number(LV2_TIME__barBeat);
     timeBeat = number(LV2_TIME__beat);

@@ -18,6 +18,7 @@ struct Lv2Uris
     LV2_URID logError;
     LV2_URID midiEvent;
     LV2_URID state;
+    LV2_URID ardourTimeScale; ///< in the positions of Ardour and its kin
     LV2_URID timeBar;
     LV2_URID timeBarBeat;
     LV2_URID timeBeat;
