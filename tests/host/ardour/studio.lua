@@ -1,26 +1,12 @@
 -- A session with the looper on a MIDI track, a feeder before it and a probe behind it, and the hands
 -- that play on it. Every test's script starts here.
---   arg[1]  lv2 or vst3     arg[2]  the session's folder
+--   arg[1]  lv2 or vst3     arg[2]  the session's folder     arg[3]  where this file is
 local kPatience = 60 -- seconds for what a busy machine is slow at
 local kRate = 48000
 local kUser = ARDOUR.TransportRequestSource.TRS_UI
 
-local studio = { format = arg[1], folder = arg[2], rate = kRate, failures = 0 }
-
--- Judging -----------------------------------------------------------------------------------------
-
-function studio.check(good, what)
-    if not good then
-        studio.failures = studio.failures + 1
-        print("FAILED: " .. what)
-    end
-    return good
-end
-
-function studio.equal(got, wanted, what)
-    return studio.check(got == wanted,
-                        string.format("%s is %s, not %s", what, tostring(got), tostring(wanted)))
-end
+local studio = dofile(arg[3] .. "/judge.lua")
+studio.format, studio.folder, studio.rate = arg[1], arg[2], kRate
 
 function studio.waitFor(what, condition)
     for _ = 1, kPatience * 200 do
@@ -242,65 +228,6 @@ function studio.play(from, to)
     local events = studio.events()
     studio.checkNothingHangs(events)
     return events
-end
-
--- Notes -------------------------------------------------------------------------------------------
-
-local function isOn(event) return event.status & 0xF0 == 0x90 and event.velocity > 0 end
-local function isOff(event)
-    return event.status & 0xF0 == 0x80 or (event.status & 0xF0 == 0x90 and event.velocity == 0)
-end
-
-function studio.ons(events)
-    local result = {}
-    for _, event in ipairs(events) do
-        if isOn(event) then
-            result[#result + 1] = event
-        end
-    end
-    return result
-end
-
---- Ardour switches off what a stop or a locate leaves sounding, at the input of every plug-in, so at
---- the probe's too. What the looper forgets would go unnoticed, were it not for its own off: of a
---- note that is cut off the probe sees both.
-function studio.checkNothingHangs(events)
-    local offsMissing = {}
-    for _, event in ipairs(events) do
-        local note = (event.status & 0x0F) << 7 | event.key
-        if isOn(event) then
-            studio.check(not offsMissing[note], "key " .. event.key .. " is switched on twice")
-            offsMissing[note] = true
-        elseif isOff(event) then
-            offsMissing[note] = nil
-        end
-    end
-    for note in pairs(offsMissing) do
-        studio.check(false, "key " .. (note & 0x7F) .. " hangs")
-    end
-end
-
---- Compares the notes' starts and ends with { key, on, off } in the order of their starts; an end
---- that is nil is not looked at. Samples may differ by `tolerance`, 0 unless told.
-function studio.checkNotes(events, wanted, tolerance, what)
-    local ons = studio.ons(events)
-    studio.check(#ons >= #wanted, string.format("%s: %d notes, not %d", what, #ons, #wanted))
-    for i = 1, math.min(#ons, #wanted) do
-        local key, on, off = table.unpack(wanted[i])
-        local got = ons[i]
-        studio.check(got.key == key and math.abs(got.sample - on) <= tolerance,
-                     string.format("%s: key %d at %d, not key %d at %d", what, got.key, got.sample,
-                                   key, on))
-        if off then
-            local last = nil
-            for _, event in ipairs(events) do
-                if isOff(event) and event.key == key and math.abs(event.sample - off) <= tolerance then
-                    last = event
-                end
-            end
-            studio.check(last, string.format("%s: key %d is not off at %d", what, key, off))
-        end
-    end
 end
 
 -- Patterns ----------------------------------------------------------------------------------------
