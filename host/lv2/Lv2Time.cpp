@@ -31,6 +31,7 @@ void Lv2Time::prepare(double sampleRate)
     mBeatsPerBar = 4;
     mBeatUnit = 4;
     mBar = 0;
+    mInQuarters = false;
 }
 
 bool Lv2Time::isPosition(const LV2_Atom& atom) const
@@ -59,6 +60,7 @@ Lv2Time::Fields Lv2Time::take(const LV2_Atom_Object& object)
     LV2_ATOM_OBJECT_FOREACH(&object, property)
     {
         const LV2_URID key = property->key;
+        mInQuarters = mInQuarters || key == mUris.ardourTimeScale;
         const std::optional<double> value = number(property->value);
         if (!value || !std::isfinite(*value))
             continue;
@@ -87,7 +89,7 @@ HostPosition Lv2Time::read(const LV2_Atom_Object& object, double expected)
     const Fields fields = take(object);
     HostPosition position;
     position.playing = mSpeed > 0;
-    position.tempo = mTempo * quartersPerBeat() * (position.playing ? mSpeed : 1);
+    position.tempo = quartersPerMinute() * (position.playing ? mSpeed : 1);
     position.numerator = std::max(1, static_cast<int>(std::lround(mBeatsPerBar)));
     position.denominator = static_cast<int>(std::lround(mBeatUnit));
     position.quarters = place(fields, expected);
@@ -98,20 +100,31 @@ HostPosition Lv2Time::read(const LV2_Atom_Object& object, double expected)
 
 double Lv2Time::place(const Fields& fields, double expected)
 {
-    const double inBar = fields.barBeat.value_or(0) * quartersPerBeat();
+    const double inBar = quartersInBar(fields.barBeat.value_or(0));
+    // Ardour ends a beat after a quarter even where it is longer: its frame is right at one tempo.
+    const bool knowsBars = !mInQuarters || quartersPerBeat() <= 1;
     if (fields.bar)
         mBar = *fields.bar;
     else if (fields.barBeat)
         mBar = std::round((expected - inBar) / barLength());
-    if (fields.bar || fields.barBeat)
+    if (knowsBars && (fields.bar || fields.barBeat))
         return mBar * barLength() + inBar;
 
     double quarters = std::numeric_limits<double>::quiet_NaN();
     if (fields.beat)
         quarters = *fields.beat * quartersPerBeat();
     else if (fields.frame)
-        quarters = *fields.frame / mSampleRate / 60 * mTempo * quartersPerBeat();
+        quarters = *fields.frame / mSampleRate / 60 * quartersPerMinute();
     if (!std::isnan(quarters))
         mBar = std::floor(quarters / barLength());
     return quarters;
+}
+
+/// Ardour adds the quarters since the beat to the beat's number.
+double Lv2Time::quartersInBar(double barBeat) const
+{
+    if (!mInQuarters)
+        return barBeat * quartersPerBeat();
+    const double beat = std::floor(barBeat);
+    return beat * quartersPerBeat() + barBeat - beat;
 }

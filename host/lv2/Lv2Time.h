@@ -36,16 +36,20 @@ private:
     Fields take(const LV2_Atom_Object& object);
     std::optional<double> number(const LV2_Atom& atom) const;
     double place(const Fields& fields, double expected);
+    double quartersInBar(double barBeat) const;
 
     double quartersPerBeat() const { return 4 / mBeatUnit; }
+
+    double quartersPerMinute() const { return mTempo * (mInQuarters ? 1 : quartersPerBeat()); }
 
     double barLength() const { return mBeatsPerBar * quartersPerBeat(); } ///< quarters
 
     const Lv2Uris& mUris;
     double mSampleRate = 48000;
     double mSpeed = 0;
-    double mTempo = 120; ///< beats per minute
+    double mTempo = 120; ///< beats per minute, as the host counts them
     double mBeatsPerBar = 4;
     double mBeatUnit = 4;
     double mBar = 0;
+    bool mInQuarters = false; ///< Ardour's tempo and parts of beats are of quarters in any meter
 };

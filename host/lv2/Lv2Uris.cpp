@@ -27,6 +27,7 @@ Lv2Uris::Lv2Uris(const LV2_URID_Map& map)
     nominalBlockLength = number(LV2_BUF_SIZE__nominalBlockLength);
     sampleRate = number(LV2_PARAMETERS__sampleRate);
     state = number(kLv2StateUri);
+    ardourTimeScale = number("http://ardour.org/lv2/time#scale");
     timeBar = number(LV2_TIME__bar);
     timeBarBeat = number(LV2_TIME__barBeat);
     timeBeat = number(LV2_TIME__beat);

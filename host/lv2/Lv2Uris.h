@@ -21,6 +21,7 @@ struct Lv2Uris
     LV2_URID nominalBlockLength;
     LV2_URID sampleRate;
     LV2_URID state;
+    LV2_URID ardourTimeScale; ///< in the positions of Ardour and its kin
     LV2_URID timeBar;
     LV2_URID timeBarBeat;
     LV2_URID timeBeat;

@@ -13,6 +13,7 @@ namespace {
 constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/atom#> .
 @prefix bufsz: <http://lv2plug.in/ns/ext/buf-size#> .
 @prefix doap: <http://usefulinc.com/ns/doap#> .
+@prefix foaf: <http://xmlns.com/foaf/0.1/> .
 @prefix log: <http://lv2plug.in/ns/ext/log#> .
 @prefix lv2: <http://lv2plug.in/ns/lv2core#> .
 @prefix midi: <http://lv2plug.in/ns/ext/midi#> .
@@ -30,9 +31,10 @@ constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/ato
 
 )";
 
-constexpr const char* kPlugin = R"(    a lv2:Plugin , lv2:MIDIPlugin ;
+constexpr const char* kPlugin = R"(    a lv2:Plugin , lv2:MIDIPlugin , doap:Project ;
     doap:name "Korvanel Looper" ;
     doap:license <https://www.gnu.org/licenses/gpl-3.0.html> ;
+    doap:maintainer [ foaf:name "Korvanel" ; foaf:homepage <https://korvanel.org/> ] ;
     rdfs:comment "Plays a MIDI pattern in step with the host's transport." ;
     lv2:minorVersion 0 ;
     lv2:microVersion 1 ;

@@ -105,7 +105,9 @@ const juce::String LooperProcessor::getProgramName(int program)
     if (program >= kPrograms)
         return "No Program";
     const auto found = findProgram(mBridge.effect(), program);
-    return found ? text(found->pattern).upToLastOccurrenceOf(".mid", false, true) : juce::String();
+    // A name all the same: some hosts leave nameless programs out, and then count wrongly.
+    return found ? text(found->pattern).upToLastOccurrenceOf(".mid", false, true)
+                 : "(" + juce::String(program + 1) + ")";
 }
 
 void LooperProcessor::getStateInformation(juce::MemoryBlock& state)

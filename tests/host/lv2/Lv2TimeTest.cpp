@@ -8,12 +8,15 @@
 
 namespace {
 
+constexpr const char* kArdoursScale = "http://ardour.org/lv2/time#scale";
+
 class PositionObjects : public testing::Test
 {
 protected:
     PositionObjects() { time.prepare(48000); }
 
-    /// Forges an object, of which all numbers are of the given kind.
+    /// Forges an object, of which all numbers are of the given kind. Names without a colon are of
+    /// the time extension.
     template <typename Write>
     HostPosition read(const std::map<std::string, double>& fields, Write write, double expected = 0)
     {
@@ -25,7 +28,7 @@ protected:
         LV2_Atom_Forge_Frame frame{};
         lv2_atom_forge_object(&forge, &frame, 0, urids.map(LV2_TIME__Position));
         for (const auto& [name, value] : fields) {
-            lv2_atom_forge_key(&forge, urids.map((LV2_TIME_PREFIX + name).c_str()));
+            lv2_atom_forge_key(&forge, urids.map(uriOf(name).c_str()));
             write(forge, value);
         }
         lv2_atom_forge_pop(&forge, &frame);
@@ -40,6 +43,11 @@ protected:
             fields,
             [](LV2_Atom_Forge& forge, double value) { lv2_atom_forge_double(&forge, value); },
             expected);
+    }
+
+    static std::string uriOf(const std::string& name)
+    {
+        return name.find(':') == std::string::npos ? LV2_TIME_PREFIX + name : name;
     }
 
     UridMap urids;
@@ -139,4 +147,33 @@ TEST_F(PositionObjects, NonsenseIsLeftOut)
     EXPECT_EQ(position.tempo, 120);
     EXPECT_EQ(position.numerator, 4);
     EXPECT_EQ(position.denominator, 4);
+}
+
+TEST_F(PositionObjects, ArdoursTempoIsInQuartersAndSoIsWhatLiesBehindABeat)
+{
+    const HostPosition position = read({{"speed", 1},
+                                        {"bar", 2},
+                                        {"barBeat", 4.25}, // 4 eighths and a sixteenth
+                                        {"beatsPerBar", 6},
+                                        {"beatUnit", 8},
+                                        {"beatsPerMinute", 120},
+                                        {kArdoursScale, 1}});
+    EXPECT_EQ(position.tempo, 120);
+    EXPECT_EQ(position.barStart, 6);
+    EXPECT_EQ(position.quarters, 8.25);
+}
+
+TEST_F(PositionObjects, WithBeatsLongerThanAQuarterArdoursFrameIsBelieved)
+{
+    const HostPosition position = read({{"speed", 1},
+                                        {"bar", 1}, // a quarter early
+                                        {"barBeat", 0.5},
+                                        {"beatsPerBar", 3},
+                                        {"beatUnit", 2},
+                                        {"beatsPerMinute", 120},
+                                        {"frame", 5.5 * 24000},
+                                        {kArdoursScale, 1}});
+    EXPECT_EQ(position.quarters, 5.5);
+    EXPECT_EQ(position.bar, 0);
+    EXPECT_EQ(position.barStart, 0);
 }

@@ -66,6 +66,13 @@ protected:
 
 } // namespace
 
+TEST_F(Lv2Turtle, TheMakerHasAName)
+{
+    LilvNode* maker = lilv_plugin_get_author_name(world.plugin);
+    EXPECT_STREQ(lilv_node_as_string(maker), "Korvanel");
+    lilv_node_free(maker);
+}
+
 TEST_F(Lv2Turtle, LilvTakesThePlugInForWhole)
 {
     EXPECT_TRUE(lilv_plugin_verify(world.plugin));
