@@ -91,6 +91,8 @@ void PluginBridge::beginBlock(std::uint32_t frames, MidiSink& sink)
     mSink = &sink;
     mFrames = frames;
     mNow = 0;
+    if (mOffline)
+        work(); // or waits for what another thread has begun
     mGate.sendOwed(0, sink);
     if (std::exchange(mMustSilence, false))
         mGate.silenceAll(0, sink);
@@ -125,6 +127,8 @@ void PluginBridge::message(std::uint32_t frame, std::span<const std::uint8_t> by
     moveTo(frame);
     if (!bytes.empty() && !isUsed(bytes))
         mGate.pass(mNow, bytes, *mSink);
+    if (mOffline && wantsWork())
+        work();
 }
 
 /// Whether the effect takes the message for itself.
@@ -216,8 +220,16 @@ void PluginBridge::programChange(int program)
 
 void PluginBridge::work()
 {
+    const Korvanel::ScopedLock hold(mWorkLock);
     if (const int program = mProgram.exchange(-1, std::memory_order_relaxed); program >= 0)
         selectProgram(mEffect, program);
+}
+
+void PluginBridge::chooseProgram(int program)
+{
+    const Korvanel::ScopedLock hold(mWorkLock);
+    mProgram.store(-1, std::memory_order_relaxed); // asked for before this one
+    selectProgram(mEffect, program);
 }
 
 std::string PluginBridge::saveState()
@@ -232,6 +244,8 @@ bool PluginBridge::loadState(std::string_view state)
     if (!isWhole(state))
         return false;
     std::string copy(state); // the effect reads from memory that it could write to
+    const Korvanel::ScopedLock hold(mWorkLock);
+    mProgram.store(-1, std::memory_order_relaxed); // asked for before this state
     mEffect.LoadFrom(copy.data(), static_cast<std::uint32_t>(copy.size()));
     mEffect.TempoType(mEffect.tempoType()); // loading stores it and leaves the engine as it was
     return true;
