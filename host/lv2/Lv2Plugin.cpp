@@ -51,6 +51,9 @@ void Lv2Plugin::connect(std::uint32_t port, void* data)
     case kLv2Enabled:
         mEnabled = static_cast<const float*>(data);
         return;
+    case kLv2FreeWheeling:
+        mFreeWheeling = static_cast<const float*>(data);
+        return;
     default:
         if (const std::size_t index = port - kLv2FirstParameter; index < mParameters.size())
             mParameters[index] = static_cast<const float*>(data);
@@ -81,6 +84,8 @@ void Lv2Plugin::takeControls()
 {
     if (mEnabled != nullptr)
         mBridge.setBypassed(!(*mEnabled > 0));
+    if (mFreeWheeling != nullptr)
+        mBridge.setOffline(*mFreeWheeling > 0);
     for (std::size_t index = 0; index < mParameters.size(); ++index)
         if (mParameters[index] != nullptr)
             mBridge.parameters().fromHost(index, *mParameters[index]);
@@ -95,10 +100,11 @@ void Lv2Plugin::takeEvents()
         const auto frame = static_cast<std::uint32_t>(std::clamp<std::int64_t>(
             event->time.frames, 0, std::numeric_limits<std::int32_t>::max()));
         const LV2_Atom& atom = event->body;
-        if (atom.type == mUris.midiEvent)
+        if (atom.type == mUris.midiEvent) {
             mBridge.message(
                 frame, {static_cast<const std::uint8_t*>(LV2_ATOM_BODY_CONST(&atom)), atom.size});
-        else if (mTime.isPosition(atom))
+            askForWork(); // some hosts do it at once, and it counts from this frame then
+        } else if (mTime.isPosition(atom))
             mBridge.position(frame, mTime.read(reinterpret_cast<const LV2_Atom_Object&>(atom),
                                                mBridge.expectedQuarters(frame)));
     }

@@ -62,6 +62,7 @@ private:
     const LV2_Atom_Sequence* mIn = nullptr;
     LV2_Atom_Sequence* mOut = nullptr;
     const float* mEnabled = nullptr;
+    const float* mFreeWheeling = nullptr;
     std::array<const float*, Parameters::kCount> mParameters{};
     std::atomic<bool> mWorkAsked{false};
     std::unique_ptr<BackgroundWorker> mWorker; ///< where the host has none; goes first

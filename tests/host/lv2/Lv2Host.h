@@ -94,7 +94,6 @@ class Lv2Instance
 {
 public:
     static constexpr std::size_t kBytes = 65536;
-    static constexpr std::uint32_t kFirstParameter = 3;
 
     explicit Lv2Instance(Lv2World& world, double rate = 48000, bool offersWorker = true)
         : mWorld(world)
@@ -223,6 +222,7 @@ public:
     std::int64_t now = 0;
     std::size_t room = kBytes - sizeof(LV2_Atom); ///< of the output port, in bytes
     int asked = 0;                                ///< work
+    bool worksAtOnce = false;                     ///< when it is asked
     std::string logged;
 
 private:
@@ -249,7 +249,10 @@ private:
 
     static LV2_Worker_Status schedule(LV2_Worker_Schedule_Handle self, std::uint32_t, const void*)
     {
-        ++static_cast<Lv2Instance*>(self)->asked;
+        auto& instance = *static_cast<Lv2Instance*>(self);
+        ++instance.asked;
+        if (instance.worksAtOnce)
+            instance.work();
         return LV2_WORKER_SUCCESS;
     }
 

@@ -156,6 +156,29 @@ TEST_F(InLv2Host, WithoutAWorkerOfTheHostsItHasItsOwn)
     EXPECT_EQ(plugin.sent[0].bytes, (std::vector<std::uint8_t>{0x90, 41, 100}));
 }
 
+TEST_F(InLv2Host, FreeWheelingItWaitsForNoWorker)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    plugin.control("free_wheeling") = 1;
+    plugin.playAt(0, 0, 0);
+    plugin.midi(500, {0xC0, 1});
+    plugin.run(100000);
+    EXPECT_EQ(plugin.take(), (SentList{on(0, 40), off(500, 40), on(96000, 41)}));
+    EXPECT_EQ(plugin.asked, 0);
+}
+
+TEST_F(InLv2Host, WhatAWorkerDoesAtOnceIsHeardFromThatFrame)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    plugin.worksAtOnce = true;
+    plugin.playAt(0, 0, 0);
+    plugin.midi(500, {0xC0, 1});
+    plugin.run(100000);
+    EXPECT_EQ(plugin.take(), (SentList{on(0, 40), off(500, 40), on(96000, 41)}));
+}
+
 TEST_F(InLv2Host, ACycleAllocatesNothingTouchesNoFileAndTakesTheEffectsLockOnly)
 {
     Lv2Instance plugin(*world);

@@ -58,14 +58,14 @@ TEST_F(Lv2Turtle, LilvTakesThePlugInForWhole)
     EXPECT_TRUE(plugInHas("http://lv2plug.in/ns/lv2core#hardRTCapable"));
 }
 
-TEST_F(Lv2Turtle, ThereIsOnePortForEachParameterBehindTheFirstThree)
+TEST_F(Lv2Turtle, ThereIsOnePortForEachParameterBehindTheFirstFour)
 {
-    EXPECT_EQ(lilv_plugin_get_num_ports(world.plugin), 3 + Parameters::table().size());
+    EXPECT_EQ(lilv_plugin_get_num_ports(world.plugin), 4 + Parameters::table().size());
     std::vector<float> min(20);
     std::vector<float> max(20);
     std::vector<float> normal(20);
     lilv_plugin_get_port_ranges_float(world.plugin, min.data(), max.data(), normal.data());
-    std::uint32_t index = 3;
+    std::uint32_t index = 4;
     for (const Parameter& parameter : Parameters::table()) {
         const LilvPort* port = lilv_plugin_get_port_by_index(world.plugin, index);
         EXPECT_EQ(symbolOf(world.plugin, port), parameter.id);
