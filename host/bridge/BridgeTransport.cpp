@@ -28,7 +28,8 @@ constexpr std::int64_t kLast = Korvanel::kLastTick - 1;
 std::int64_t firstTick(double quarters, double slack)
 {
     const double ticks = std::clamp(quarters * kTicks - slack, -kTickLimit, kTickLimit);
-    return static_cast<std::int64_t>(std::ceil(ticks));
+    const auto cut = static_cast<std::int64_t>(ticks); // and up, without a call
+    return static_cast<double>(cut) < ticks ? cut + 1 : cut;
 }
 
 bool isPosition(double quarters)

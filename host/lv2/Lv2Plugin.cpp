@@ -34,6 +34,7 @@ Lv2Plugin::Lv2Plugin(double sampleRate, const Lv2Features& features)
     , mUris(*features.map)
     , mSampleRate(sampleRate)
 {
+    mSaid.fill(std::numeric_limits<float>::quiet_NaN());
     mBridge.prepare(sampleRate);
     if (mFeatures.schedule == nullptr)
         mWorker = std::make_unique<BackgroundWorker>([this] { work(); });
@@ -87,8 +88,10 @@ void Lv2Plugin::takeControls()
     if (mFreeWheeling != nullptr)
         mBridge.setOffline(*mFreeWheeling > 0);
     for (std::size_t index = 0; index < mParameters.size(); ++index)
-        if (mParameters[index] != nullptr)
-            mBridge.parameters().fromHost(index, *mParameters[index]);
+        if (const float* port = mParameters[index]; port != nullptr && *port != mSaid[index]) {
+            mSaid[index] = *port; // most cycles change nothing, and should cost as little
+            mBridge.parameters().fromHost(index, *port);
+        }
 }
 
 void Lv2Plugin::takeEvents()

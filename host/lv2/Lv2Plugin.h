@@ -64,6 +64,7 @@ private:
     const float* mEnabled = nullptr;
     const float* mFreeWheeling = nullptr;
     std::array<const float*, Parameters::kCount> mParameters{};
+    std::array<float, Parameters::kCount> mSaid; ///< by the host, in the ports
     std::atomic<bool> mWorkAsked{false};
     std::unique_ptr<BackgroundWorker> mWorker; ///< where the host has none; goes first
 };
