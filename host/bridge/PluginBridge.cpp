@@ -171,6 +171,8 @@ void PluginBridge::moveTo(std::uint32_t frame)
 
 void PluginBridge::advance(std::uint32_t until)
 {
+    if (!mTransport.playing()) // no tick passes
+        mNow = std::max(mNow, until);
     const std::int64_t end = mBlockStart + until;
     while (mNow < until) {
         const std::int64_t now = mBlockStart + mNow;
