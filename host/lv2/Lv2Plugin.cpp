@@ -5,11 +5,16 @@
 #include <lv2/atom/util.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace {
+
+/// What a port that the host has not connected says: no number, which is ignored.
+constexpr float kUnconnected = std::numeric_limits<float>::quiet_NaN();
 
 template <typename Data>
 void take(const Data*& field, const LV2_Feature& feature, const char* uri)
@@ -34,7 +39,8 @@ Lv2Plugin::Lv2Plugin(double sampleRate, const Lv2Features& features)
     , mUris(*features.map)
     , mSampleRate(sampleRate)
 {
-    mSaid.fill(std::numeric_limits<float>::quiet_NaN());
+    mParameters.fill(&kUnconnected);
+    mSaid.fill(std::bit_cast<std::uint32_t>(kUnconnected));
     mBridge.prepare(sampleRate);
     if (mFeatures.schedule == nullptr)
         mWorker = std::make_unique<BackgroundWorker>([this] { work(); });
@@ -57,7 +63,7 @@ void Lv2Plugin::connect(std::uint32_t port, void* data)
         return;
     default:
         if (const std::size_t index = port - kLv2FirstParameter; index < mParameters.size())
-            mParameters[index] = static_cast<const float*>(data);
+            mParameters[index] = data != nullptr ? static_cast<const float*>(data) : &kUnconnected;
     }
 }
 
@@ -87,11 +93,23 @@ void Lv2Plugin::takeControls()
         mBridge.setBypassed(!(*mEnabled > 0));
     if (mFreeWheeling != nullptr)
         mBridge.setOffline(*mFreeWheeling > 0);
+    if (!parametersChanged())
+        return;
+    for (std::size_t index = 0; index < mParameters.size(); ++index) {
+        const float value = *mParameters[index];
+        if (std::exchange(mSaid[index], std::bit_cast<std::uint32_t>(value)) !=
+            std::bit_cast<std::uint32_t>(value))
+            mBridge.parameters().fromHost(index, value);
+    }
+}
+
+/// Without a branch for each: in most cycles none has.
+bool Lv2Plugin::parametersChanged() const
+{
+    std::uint32_t changed = 0;
     for (std::size_t index = 0; index < mParameters.size(); ++index)
-        if (const float* port = mParameters[index]; port != nullptr && *port != mSaid[index]) {
-            mSaid[index] = *port; // most cycles change nothing, and should cost as little
-            mBridge.parameters().fromHost(index, *port);
-        }
+        changed |= std::bit_cast<std::uint32_t>(*mParameters[index]) ^ mSaid[index];
+    return changed != 0;
 }
 
 void Lv2Plugin::takeEvents()

@@ -50,6 +50,7 @@ public:
 
 private:
     void takeControls();
+    bool parametersChanged() const;
     void takeEvents();
     void askForWork();
     void logError(const char* text);
@@ -58,13 +59,13 @@ private:
     const Lv2Uris mUris;
     const double mSampleRate;
     Lv2Time mTime{mUris};
-    PluginBridge mBridge;
-    const LV2_Atom_Sequence* mIn = nullptr;
+    alignas(64) const LV2_Atom_Sequence* mIn = nullptr; ///< as few cache lines as can be
     LV2_Atom_Sequence* mOut = nullptr;
     const float* mEnabled = nullptr;
     const float* mFreeWheeling = nullptr;
-    std::array<const float*, Parameters::kCount> mParameters{};
-    std::array<float, Parameters::kCount> mSaid; ///< by the host, in the ports
+    std::array<const float*, Parameters::kCount> mParameters;
+    std::array<std::uint32_t, Parameters::kCount> mSaid; ///< by the host in its ports: the bits
     std::atomic<bool> mWorkAsked{false};
+    PluginBridge mBridge;
     std::unique_ptr<BackgroundWorker> mWorker; ///< where the host has none; goes first
 };

@@ -105,6 +105,20 @@ TEST_F(InLv2Host, ControlsAreTheEffectsParameters)
     EXPECT_EQ(plugin.take(), (SentList{on(0, 40, 70), off(12000, 40)}));
 }
 
+TEST_F(InLv2Host, APortThatIsNotConnectedChangesNothing)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    plugin.control("velocity_add") = -30;
+    plugin.run(1);
+    for (std::uint32_t port = 2; port < plugin.controls.size(); ++port)
+        lilv_instance_connect_port(plugin.instance, port, nullptr);
+    plugin.now = 0;
+    plugin.playAt(0, 0, 0);
+    plugin.run(100);
+    EXPECT_EQ(plugin.take(), (SentList{on(0, 40, 70)}));
+}
+
 TEST_F(InLv2Host, MessagesThatAreNotUsedGoThrough)
 {
     Lv2Instance plugin(*world);
