@@ -49,8 +49,12 @@ public:
         put(LV2_TIME__beatsPerMinute, 120);
         put(LV2_TIME__beatsPerBar, 4);
         put(LV2_TIME__barBeat, 0);
-        lv2_atom_forge_key(&mForge, number(LV2_TIME__bar));
-        lv2_atom_forge_long(&mForge, 0);
+        lv2_atom_forge_key(&mForge, number(LV2_TIME__beatUnit));
+        lv2_atom_forge_int(&mForge, 4);
+        for (const char* name : {LV2_TIME__bar, LV2_TIME__frame}) {
+            lv2_atom_forge_key(&mForge, number(name));
+            lv2_atom_forge_long(&mForge, 0);
+        }
         lv2_atom_forge_pop(&mForge, &object);
     }
 
