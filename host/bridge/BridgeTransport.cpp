@@ -145,13 +145,11 @@ void BridgeTransport::jump(std::int64_t frame)
 
 // Loop --------------------------------------------------------------------------------------------
 
-std::optional<std::int64_t> BridgeTransport::nextWrap(std::int64_t end) const
+std::int64_t BridgeTransport::wrapBefore(std::int64_t end) const
 {
-    if (!playing() || !mWraps)
-        return std::nullopt;
     const std::int64_t loopEnd = firstTick(mPosition.loopEnd, kExact);
     if (tickAt(end) <= loopEnd)
-        return std::nullopt;
+        return end;
     return frameOf(loopEnd, mReportFrame, end - 1);
 }
 

@@ -176,12 +176,12 @@ void PluginBridge::advance(std::uint32_t until)
     const std::int64_t end = mBlockStart + until;
     while (mNow < until) {
         const std::int64_t now = mBlockStart + mNow;
-        if (const auto wrap = mTransport.nextWrap(end)) {
-            play(mTransport.takeToLoopEnd(), now, *wrap);
+        if (const std::int64_t wrap = mTransport.nextWrap(end); wrap < end) {
+            play(mTransport.takeToLoopEnd(), now, wrap);
             const std::int32_t before = mTransport.nextTick() - 1;
-            mNow = inBlock(*wrap);
+            mNow = inBlock(wrap);
             mGate.silencePattern(mNow, *mSink);
-            mTransport.wrap(*wrap);
+            mTransport.wrap(wrap);
             mEffect.processLoop(mTransport.nextTick(), before);
             continue;
         }
