@@ -2,14 +2,12 @@
 // All of them put out notes at the same times, or nothing while the transport stands; that is
 // checked before anything is timed.
 #include "bench/hosted/Lv2Rig.h"
+#include "bench/hosted/OwnBundle.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <utility>
 
@@ -28,35 +26,6 @@ struct Subject
     bool plays;       ///< by itself; the others get the notes
     int notesPerNote; ///< that come out
     std::vector<std::pair<std::string, float>> controls;
-};
-
-/// Our bundle beside a library that holds one pattern.
-class OwnBundle
-{
-public:
-    OwnBundle()
-    {
-        namespace fs = std::filesystem;
-        if (::mkdtemp(mPath.data()) == nullptr)
-            throw fs::filesystem_error("mkdtemp", mPath, {});
-        fs::create_directories(mPath + "/Loops/Test");
-        std::ofstream(mPath + "/Loops/Test/a.mid", std::ios::binary) << bench::patternFile();
-        fs::copy(KV_LV2_BUNDLE, bundle(), fs::copy_options::recursive);
-    }
-
-    OwnBundle(const OwnBundle&) = delete;
-    OwnBundle& operator=(const OwnBundle&) = delete;
-
-    ~OwnBundle()
-    {
-        std::error_code error;
-        std::filesystem::remove_all(mPath, error);
-    }
-
-    std::string bundle() const { return mPath + "/Looper.lv2/"; }
-
-private:
-    std::string mPath = std::filesystem::temp_directory_path() / "kv-bench-XXXXXX";
 };
 
 /// Some instances of one plug-in at the start of a song.
@@ -203,9 +172,9 @@ try {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
-    const OwnBundle own;
+    const bench::OwnBundle own(KV_LV2_BUNDLE);
     bench::Lv2World world;
-    const std::vector<Subject> subjects = allSubjects(world, own.bundle());
+    const std::vector<Subject> subjects = allSubjects(world, own.path() + "/");
     for (const Subject& subject : subjects)
         check(world, subject);
     addAll(world, subjects);
