@@ -13,7 +13,8 @@ ORDER = ["1KB", "100KB", "10MB", "lock", "empty", "one note", "each of 64 notes"
          "one more style", "told", "in the tree",
          "1,000 panes", "1,000 opaque panes", "10,000 notes"] + \
         [f"{state}, {frames} frames, {instances}" for state in ("stopped", "playing")
-         for instances in ("1 instance", "64 instances") for frames in (64, 512, 1024)]
+         for instances in ("1 instance", "64 instances") for frames in (64, 512, 1024)] + \
+        ["stopped, 512 frames", "playing, 512 frames"]
 PEERS = {"read": ["JUCE", "libsmf", "portsmf", "drumstick"],
          "write": ["JUCE", "libsmf", "portsmf", "drumstick"],
          "slice": ["JUCE", "libsmf"],
@@ -21,6 +22,7 @@ PEERS = {"read": ["JUCE", "libsmf", "portsmf", "drumstick"],
          "scan": ["filesystem", "nftw"],
          "change": [],
          "host": ["stepseq", "passthru", "midimap", "fifths"],
+         "JUCE host": ["ours as LV2", "fifths as LV2"],
          "draw": []}
 
 
