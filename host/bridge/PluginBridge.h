@@ -99,11 +99,11 @@ private:
     Parameters mParameters;
     BridgeQueue mQueue;
     BridgeTransport mTransport;
-    // What every block looks at begins a cache line, and NoteGate begins with more of it.
-    alignas(64) MidiSink* mSink = nullptr; ///< during a block
-    std::int64_t mBlockStart = 0;          ///< frames since prepare
-    std::uint32_t mFrames = 0;             ///< of the block
-    std::uint32_t mNow = 0;                ///< frames of the block that are done
+    // What every block looks at lies together; NoteGate begins with the rest of it.
+    MidiSink* mSink = nullptr;    ///< during a block
+    std::int64_t mBlockStart = 0; ///< frames since prepare
+    std::uint32_t mFrames = 0;    ///< of the block
+    std::uint32_t mNow = 0;       ///< frames of the block that are done
     bool mOffline = false;
     bool mMustSilence = false;   ///< the last life left notes on
     std::uint32_t mRevision = 0; ///< of the pattern that plays

@@ -59,7 +59,7 @@ private:
     const Lv2Uris mUris;
     const double mSampleRate;
     Lv2Time mTime{mUris};
-    alignas(64) const LV2_Atom_Sequence* mIn = nullptr; ///< as few cache lines as can be
+    const LV2_Atom_Sequence* mIn = nullptr;
     LV2_Atom_Sequence* mOut = nullptr;
     const float* mEnabled = nullptr;
     const float* mFreeWheeling = nullptr;
