@@ -11,31 +11,38 @@ ORDER = ["1KB", "100KB", "10MB", "lock", "empty", "one note", "each of 64 notes"
          "each of 64 notes, random", "jump to repetition 1", "jump to repetition 1,000",
          "jump to repetition 1,000,000", "1,000 bars", "100 styles", "one style",
          "one more style", "told", "in the tree",
-         "1,000 panes", "1,000 opaque panes", "10,000 notes"]
+         "1,000 panes", "1,000 opaque panes", "10,000 notes"] + \
+        [f"{state}, {frames} frames, {instances}" for state in ("stopped", "playing")
+         for instances in ("1 instance", "64 instances") for frames in (64, 512, 1024)] + \
+        ["stopped, 512 frames", "playing, 512 frames"]
 PEERS = {"read": ["JUCE", "libsmf", "portsmf", "drumstick"],
          "write": ["JUCE", "libsmf", "portsmf", "drumstick"],
          "slice": ["JUCE", "libsmf"],
          "render": [],
          "scan": ["filesystem", "nftw"],
          "change": [],
+         "host": ["stepseq", "passthru", "midimap", "fifths"],
+         "JUCE host": ["ours as LV2", "fifths as LV2"],
          "draw": []}
 
 
 class Aim:
-    """At most `factor` times the floor, or what ours takes for the row `of`, after `locks`
-    uncontended locks are taken off."""
+    """At most `factor` times the floor, or what ours takes for the row `of`, or what a peer takes,
+    after `locks` uncontended locks are taken off."""
 
-    def __init__(self, factor, locks=0, of=None):
+    def __init__(self, factor, locks=0, of=None, peer=None):
         self.factor = factor
         self.locks = locks
         self.of = of
+        self.peer = peer
 
     def __str__(self):
         return f"<= {self.factor}x" + (" + lock" if self.locks else "") + \
-            (f" {self.of}" if self.of else "")
+            (f" {self.of or self.peer}" if self.of or self.peer else "")
 
 
-AIMS = {"read": Aim(2), "write": Aim(3), "draw": Aim(1.5), "empty": Aim(2, locks=1), "one note": Aim(3, locks=1),
+AIMS = {"read": Aim(2), "write": Aim(3), "draw": Aim(1.5),
+        "host": Aim(1, peer="stepseq"), "empty": Aim(2, locks=1), "one note": Aim(3, locks=1),
         "each of 64 notes": Aim(3), "each of 64 notes, random": Aim(3), "jump": Aim(3),
         "100 styles": Aim(1.5), "one style": Aim(1.5, of="100 styles"),
         "one more style": Aim(0.2, of="100 styles")}
@@ -84,7 +91,9 @@ def judged(kind, row, rows, lock):
     other = rows.get(aim.of, {}).get("ours")
     if aim.of and other is None:
         return [f"{ratio:.2f}x", str(aim), ""] # the row was not measured
-    measure = ours / other if aim.of else ratio
+    if aim.peer:
+        other = rows[row].get(aim.peer, 0)
+    measure = ours / other if aim.of or aim.peer else ratio
     return [f"{ratio:.2f}x", str(aim), "met" if measure <= aim.factor else "MISSED"]
 
 

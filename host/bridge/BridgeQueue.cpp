@@ -38,7 +38,7 @@ void BridgeQueue::RemoveEvent(int index)
 
 /// Patterns play in order unless their file was damaged; so runs are long and merges few, and a
 /// sorted queue costs one look at each event.
-void BridgeQueue::sort()
+void BridgeQueue::mergeRuns()
 {
     const auto first = mEvents.begin();
     const auto last = first + static_cast<std::ptrdiff_t>(mCount);

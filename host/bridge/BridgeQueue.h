@@ -33,11 +33,17 @@ public:
     void clear() { mCount = 0; }
 
     /// Puts the events in the order of time; those of one time stay as they came.
-    void sort();
+    void sort()
+    {
+        if (mCount > 1)
+            mergeRuns();
+    }
 
     std::span<const Korvanel::MidiEvent> events() const { return {mEvents.data(), mCount}; }
 
 private:
+    void mergeRuns();
+
     std::vector<Korvanel::MidiEvent> mEvents;
     std::size_t mCount = 0;
 };

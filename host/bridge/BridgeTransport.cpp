@@ -28,7 +28,8 @@ constexpr std::int64_t kLast = Korvanel::kLastTick - 1;
 std::int64_t firstTick(double quarters, double slack)
 {
     const double ticks = std::clamp(quarters * kTicks - slack, -kTickLimit, kTickLimit);
-    return static_cast<std::int64_t>(std::ceil(ticks));
+    const auto cut = static_cast<std::int64_t>(ticks); // and up, without a call
+    return static_cast<double>(cut) < ticks ? cut + 1 : cut;
 }
 
 bool isPosition(double quarters)
@@ -144,13 +145,11 @@ void BridgeTransport::jump(std::int64_t frame)
 
 // Loop --------------------------------------------------------------------------------------------
 
-std::optional<std::int64_t> BridgeTransport::nextWrap(std::int64_t end) const
+std::int64_t BridgeTransport::wrapBefore(std::int64_t end) const
 {
-    if (!playing() || !mWraps)
-        return std::nullopt;
     const std::int64_t loopEnd = firstTick(mPosition.loopEnd, kExact);
     if (tickAt(end) <= loopEnd)
-        return std::nullopt;
+        return end;
     return frameOf(loopEnd, mReportFrame, end - 1);
 }
 

@@ -7,7 +7,6 @@
 #include "host/bridge/HostPosition.h"
 
 #include <cstdint>
-#include <optional>
 
 /// Frames are counted from anywhere and never go back. [audio thread]; allocates nothing.
 class BridgeTransport
@@ -42,8 +41,12 @@ public:
     /// (a tempo of 0, a position that is no number) leaves its old value.
     Change report(std::int64_t frame, const HostPosition& position);
 
-    /// The frame before `end` from which the host's loop starts anew, unless it does so later.
-    std::optional<std::int64_t> nextWrap(std::int64_t end) const;
+    /// The frame before `end` from which the host's loop starts anew; `end` when it does so later.
+    std::int64_t nextWrap(std::int64_t end) const
+    {
+        return playing() && mWraps ? wrapBefore(end) : end;
+    }
+
     /// The ticks up to the loop's end that have not been taken.
     Slice takeToLoopEnd();
     void wrap(std::int64_t frame); ///< goes on at the loop's start
@@ -68,6 +71,7 @@ private:
 
     double quartersPerFrame(double tempo) const { return tempo / 60 / mSampleRate; }
 
+    std::int64_t wrapBefore(std::int64_t end) const;
     bool agrees(std::int64_t frame, const HostPosition& position) const;
     void follow(std::int64_t frame, double ahead, bool sameTempo);
     void moveAnchor(std::int64_t frame, double quarters);

@@ -110,7 +110,7 @@ void NoteGate::silenceChannel(std::uint32_t frame, std::size_t channel, MidiSink
             switchOff(frame, note, sink);
 }
 
-void NoteGate::sendOwed(std::uint32_t frame, MidiSink& sink)
+void NoteGate::sendAllOwed(std::uint32_t frame, MidiSink& sink)
 {
     for (std::size_t note = 0; note < kNotes && mOwedNotes > 0; ++note)
         if (mOwners[note] == Owner::Owed)

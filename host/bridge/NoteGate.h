@@ -32,7 +32,13 @@ public:
     void endNext(std::uint32_t frame, MidiSink& sink); ///< switches off the note of nextEnd
     void silencePattern(std::uint32_t frame, MidiSink& sink);
     void silenceAll(std::uint32_t frame, MidiSink& sink);
-    void sendOwed(std::uint32_t frame, MidiSink& sink); ///< offs that found no room
+
+    /// Sends offs that found no room.
+    void sendOwed(std::uint32_t frame, MidiSink& sink)
+    {
+        if (mOwedNotes > 0)
+            sendAllOwed(frame, sink);
+    }
 
     bool patternSounds() const { return mPatternNotes > 0; }
 
@@ -60,6 +66,7 @@ private:
         return (status & 0x0FU) * kKeys + (key & 0x7FU);
     }
 
+    void sendAllOwed(std::uint32_t frame, MidiSink& sink);
     bool makeRoom(std::uint32_t frame, std::size_t note, MidiSink& sink);
     bool switchOff(std::uint32_t frame, std::size_t note, MidiSink& sink);
     void setOwner(std::size_t note, Owner owner);
@@ -73,12 +80,13 @@ private:
     void siftUp(std::size_t at, const End& end);
     void siftDown(std::size_t at, const End& end);
 
-    std::array<Owner, kNotes> mOwners{};
-    std::array<bool, kNotes> mKnown{}; ///< whether a note has come through since the start
-    std::array<std::uint16_t, kNotes> mPlaces{}; ///< in the heap, from 1; 0: not there
-    std::array<End, kNotes> mHeap{};             ///< the earliest end first
+    // What every block looks at lies before what only notes need.
     std::size_t mHeapSize = 0;
     int mPatternNotes = 0;
     int mOwedNotes = 0;
     std::uint32_t mOrder = 0;
+    std::array<Owner, kNotes> mOwners{};
+    std::array<bool, kNotes> mKnown{}; ///< whether a note has come through since the start
+    std::array<std::uint16_t, kNotes> mPlaces{}; ///< in the heap, from 1; 0: not there
+    std::array<End, kNotes> mHeap{};             ///< the earliest end first
 };

@@ -83,6 +83,8 @@ void PluginBridge::beginBlock(std::uint32_t frames, MidiSink& sink)
     mSink = &sink;
     mFrames = frames;
     mNow = 0;
+    if (mOffline)
+        work(); // or waits for what another thread has begun
     mGate.sendOwed(0, sink);
     if (std::exchange(mMustSilence, false))
         mGate.silenceAll(0, sink);
@@ -117,6 +119,8 @@ void PluginBridge::message(std::uint32_t frame, std::span<const std::uint8_t> by
     moveTo(frame);
     if (!bytes.empty() && !isUsed(bytes))
         mGate.pass(mNow, bytes, *mSink);
+    if (mOffline && wantsWork())
+        work();
 }
 
 /// Whether the effect takes the message for itself.
@@ -159,15 +163,17 @@ void PluginBridge::moveTo(std::uint32_t frame)
 
 void PluginBridge::advance(std::uint32_t until)
 {
+    if (!mTransport.playing()) // no tick passes
+        mNow = std::max(mNow, until);
     const std::int64_t end = mBlockStart + until;
     while (mNow < until) {
         const std::int64_t now = mBlockStart + mNow;
-        if (const auto wrap = mTransport.nextWrap(end)) {
-            play(mTransport.takeToLoopEnd(), now, *wrap);
+        if (const std::int64_t wrap = mTransport.nextWrap(end); wrap < end) {
+            play(mTransport.takeToLoopEnd(), now, wrap);
             const std::int32_t before = mTransport.nextTick() - 1;
-            mNow = inBlock(*wrap);
+            mNow = inBlock(wrap);
             mGate.silencePattern(mNow, *mSink);
-            mTransport.wrap(*wrap);
+            mTransport.wrap(wrap);
             mEffect.processLoop(mTransport.nextTick(), before);
             continue;
         }
@@ -208,8 +214,16 @@ void PluginBridge::programChange(int program)
 
 void PluginBridge::work()
 {
+    const Korvanel::ScopedLock hold(mWorkLock);
     if (const int program = mProgram.exchange(-1, std::memory_order_relaxed); program >= 0)
         selectProgram(mEffect, program);
+}
+
+void PluginBridge::chooseProgram(int program)
+{
+    const Korvanel::ScopedLock hold(mWorkLock);
+    mProgram.store(-1, std::memory_order_relaxed); // asked for before this one
+    selectProgram(mEffect, program);
 }
 
 std::string PluginBridge::saveState()
@@ -224,6 +238,8 @@ bool PluginBridge::loadState(std::string_view state)
     if (!isWhole(state))
         return false;
     std::string copy(state); // the effect reads from memory that it could write to
+    const Korvanel::ScopedLock hold(mWorkLock);
+    mProgram.store(-1, std::memory_order_relaxed); // asked for before this state
     mEffect.LoadFrom(copy.data(), static_cast<std::uint32_t>(copy.size()));
     mEffect.TempoType(mEffect.tempoType()); // loading stores it and leaves the engine as it was
     return true;

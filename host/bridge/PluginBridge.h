@@ -9,6 +9,8 @@
 #include "host/bridge/MidiSink.h"
 #include "host/bridge/NoteGate.h"
 #include "host/bridge/Parameters.h"
+#include "shared/System/kvContracts.h"
+#include "shared/System/kvCriticalSection.h"
 
 #include <atomic>
 #include <cstdint>
@@ -18,8 +20,8 @@
 
 /// A block on the [audio thread] is beginBlock, any number of positions and messages, endBlock;
 /// frames are those of the block and do not decrease. It allocates nothing, touches no file, and
-/// waits for the effect's own lock only. Positions hold until the next one: a host need not repeat
-/// them.
+/// waits for the effect's own lock only, unless the host is offline. Positions hold until the next
+/// one: a host need not repeat them.
 class PluginBridge final : private CLooper::Listener
 {
 public:
@@ -44,6 +46,11 @@ public:
     /// The effect is passed by: nothing of the pattern, and every message goes on. Thread: any
     void setBypassed(bool bypassed) { mBypassed.store(bypassed, std::memory_order_relaxed); }
 
+    /// Whether the host renders faster than time passes, and would rather wait than miss anything:
+    /// what a block asks for, or one before it has, is then done before the block goes on.
+    /// [audio thread]
+    void setOffline(bool offline) { mOffline = offline; }
+
     // A block; [audio thread]. A frame behind the block's end counts as its last one
     // ---------------------------------------------------------------------
     void beginBlock(std::uint32_t frames, MidiSink& sink); ///< the sink is used until endBlock
@@ -61,11 +68,14 @@ public:
     bool wantsWork() const { return mProgram.load(std::memory_order_relaxed) >= 0; }
 
     // Everything else; [ui thread] or a worker, blocks may run ------------------------------------
-    void work(); ///< what blocks have asked for: loads patterns
+    /// What blocks have asked for: loads patterns.
+    void work() KV_EXCLUDES(mWorkLock);
+    /// Makes the n-th pattern of the current style the effect's, if there is one.
+    void chooseProgram(int program) KV_EXCLUDES(mWorkLock);
 
     std::string saveState();
     /// @return false for damaged data, which change nothing
-    bool loadState(std::string_view state);
+    bool loadState(std::string_view state) KV_EXCLUDES(mWorkLock);
 
 private:
     void programChange(int program) override;
@@ -87,15 +97,20 @@ private:
     BridgeContext mContext;
     CLooper mEffect;
     Parameters mParameters;
-    BridgeTransport mTransport;
     BridgeQueue mQueue;
-    NoteGate mGate;
+    BridgeTransport mTransport;
+    // What every block looks at lies together; NoteGate begins with the rest of it.
     MidiSink* mSink = nullptr;    ///< during a block
     std::int64_t mBlockStart = 0; ///< frames since prepare
     std::uint32_t mFrames = 0;    ///< of the block
     std::uint32_t mNow = 0;       ///< frames of the block that are done
-    bool mMustSilence = false;    ///< the last life left notes on
-    std::uint32_t mRevision = 0;  ///< of the pattern that plays
+    bool mOffline = false;
+    bool mMustSilence = false;   ///< the last life left notes on
+    std::uint32_t mRevision = 0; ///< of the pattern that plays
     std::atomic<bool> mBypassed{false};
     std::atomic<int> mProgram{-1}; ///< asked for; -1: none
+    NoteGate mGate;
+    /// One pattern comes after the other, the one that was chosen last at the end. The effect's
+    /// listeners are told with it held.
+    Korvanel::CriticalSection mWorkLock;
 };

@@ -5,11 +5,16 @@
 #include <lv2/atom/util.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace {
+
+/// What a port that the host has not connected says: no number, which is ignored.
+constexpr float kUnconnected = std::numeric_limits<float>::quiet_NaN();
 
 template <typename Data>
 void take(const Data*& field, const LV2_Feature& feature, const char* uri)
@@ -36,8 +41,11 @@ Lv2Plugin::Lv2Plugin(double sampleRate, const Lv2Features& features)
     , mOptions(mUris, sampleRate, features.options)
 {
     mBridge.prepare(mOptions.sampleRate());
-    std::transform(Parameters::table().begin(), Parameters::table().end(), mSeen.begin(),
-                   [](const Parameter& parameter) { return static_cast<float>(parameter.normal); });
+    mParameters.fill(&kUnconnected);
+    std::transform(Parameters::table().begin(), Parameters::table().end(), mSaid.begin(),
+                   [](const Parameter& parameter) {
+                       return std::bit_cast<std::uint32_t>(static_cast<float>(parameter.normal));
+                   });
     if (mFeatures.schedule == nullptr)
         mWorker = std::make_unique<BackgroundWorker>([this] { work(); });
 }
@@ -54,9 +62,12 @@ void Lv2Plugin::connect(std::uint32_t port, void* data)
     case kLv2Enabled:
         mEnabled = static_cast<const float*>(data);
         return;
+    case kLv2FreeWheeling:
+        mFreeWheeling = static_cast<const float*>(data);
+        return;
     default:
         if (const std::size_t index = port - kLv2FirstParameter; index < mParameters.size())
-            mParameters[index] = static_cast<const float*>(data);
+            mParameters[index] = data != nullptr ? static_cast<const float*>(data) : &kUnconnected;
     }
 }
 
@@ -80,25 +91,33 @@ void Lv2Plugin::run(std::uint32_t frames)
     askForWork();
 }
 
-void Lv2Plugin::takeControls()
-{
-    if (mEnabled != nullptr)
-        mBridge.setBypassed(!(*mEnabled > 0));
-    for (std::size_t index = 0; index < mParameters.size(); ++index)
-        if (mParameters[index] != nullptr)
-            takeParameter(index, *mParameters[index]);
-}
-
 /// A port counts when it moves, and at first when it is not where ports stand that nobody has
 /// touched. So what the window has changed holds before the host has written it back, and so does
 /// a state that comes alone, without ports; where a project's ports and its state differ, the ports
 /// win at first, being what the host shows, and later whoever comes last.
-void Lv2Plugin::takeParameter(std::size_t index, float value)
+void Lv2Plugin::takeControls()
 {
-    if (value == mSeen[index])
+    if (mEnabled != nullptr)
+        mBridge.setBypassed(!(*mEnabled > 0));
+    if (mFreeWheeling != nullptr)
+        mBridge.setOffline(*mFreeWheeling > 0);
+    if (!parametersChanged())
         return;
-    mSeen[index] = value;
-    mBridge.parameters().fromHost(index, value);
+    for (std::size_t index = 0; index < mParameters.size(); ++index) {
+        const float value = *mParameters[index];
+        if (std::exchange(mSaid[index], std::bit_cast<std::uint32_t>(value)) !=
+            std::bit_cast<std::uint32_t>(value))
+            mBridge.parameters().fromHost(index, value);
+    }
+}
+
+/// Without a branch for each: in most cycles none has.
+bool Lv2Plugin::parametersChanged() const
+{
+    std::uint32_t changed = 0;
+    for (std::size_t index = 0; index < mParameters.size(); ++index)
+        changed |= std::bit_cast<std::uint32_t>(*mParameters[index]) ^ mSaid[index];
+    return changed != 0;
 }
 
 void Lv2Plugin::takeEvents()
@@ -110,10 +129,11 @@ void Lv2Plugin::takeEvents()
         const auto frame = static_cast<std::uint32_t>(std::clamp<std::int64_t>(
             event->time.frames, 0, std::numeric_limits<std::int32_t>::max()));
         const LV2_Atom& atom = event->body;
-        if (atom.type == mUris.midiEvent)
+        if (atom.type == mUris.midiEvent) {
             mBridge.message(
                 frame, {static_cast<const std::uint8_t*>(LV2_ATOM_BODY_CONST(&atom)), atom.size});
-        else if (mTime.isPosition(atom))
+            askForWork(); // some hosts do it at once, and it counts from this frame then
+        } else if (mTime.isPosition(atom))
             mBridge.position(frame, mTime.read(reinterpret_cast<const LV2_Atom_Object&>(atom),
                                                mBridge.expectedQuarters(frame)));
     }

@@ -54,7 +54,7 @@ public:
 
 private:
     void takeControls();
-    void takeParameter(std::size_t index, float value);
+    bool parametersChanged() const;
     void takeEvents();
     void askForWork();
     void logError(const char* text);
@@ -63,12 +63,13 @@ private:
     const Lv2Uris mUris;
     Lv2Options mOptions;
     Lv2Time mTime{mUris};
-    PluginBridge mBridge;
     const LV2_Atom_Sequence* mIn = nullptr;
     LV2_Atom_Sequence* mOut = nullptr;
     const float* mEnabled = nullptr;
-    std::array<const float*, Parameters::kCount> mParameters{};
-    std::array<float, Parameters::kCount> mSeen{}; ///< what the ports said last
+    const float* mFreeWheeling = nullptr;
+    std::array<const float*, Parameters::kCount> mParameters;
+    std::array<std::uint32_t, Parameters::kCount> mSaid{}; ///< by the ports last: the bits
     std::atomic<bool> mWorkAsked{false};
+    PluginBridge mBridge;
     std::unique_ptr<BackgroundWorker> mWorker; ///< where the host has none; goes first
 };

@@ -19,6 +19,7 @@ constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/ato
 @prefix midi: <http://lv2plug.in/ns/ext/midi#> .
 @prefix opts: <http://lv2plug.in/ns/ext/options#> .
 @prefix param: <http://lv2plug.in/ns/ext/parameters#> .
+@prefix pprops: <http://lv2plug.in/ns/ext/port-props#> .
 @prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .
 @prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
 @prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
@@ -87,6 +88,18 @@ constexpr const char* kEnabledPort = R"([
         lv2:portProperty lv2:toggled , lv2:integer
     ])";
 
+constexpr const char* kFreeWheelingPort = R"([
+        a lv2:InputPort , lv2:ControlPort ;
+        lv2:index 3 ;
+        lv2:symbol "free_wheeling" ;
+        lv2:name "Free-Wheeling" ;
+        lv2:designation lv2:freeWheeling ;
+        lv2:default 0 ;
+        lv2:minimum 0 ;
+        lv2:maximum 1 ;
+        lv2:portProperty lv2:toggled , lv2:integer , pprops:notOnGUI
+    ])";
+
 void writeKind(std::ostream& out, const Parameter& parameter)
 {
     switch (parameter.kind) {
@@ -126,7 +139,8 @@ void writePlugin(std::ostream& out, bool hasWindow)
     out << kPrefixes << '<' << kLv2Uri << ">\n";
     if (hasWindow)
         out << "    ui:ui <" << kLv2UiUri << "> ;\n";
-    out << kPlugin << kInPort << " , " << kOutPort << " , " << kEnabledPort;
+    out << kPlugin << kInPort << " , " << kOutPort << " , " << kEnabledPort << " , "
+        << kFreeWheelingPort;
     std::size_t port = kLv2FirstParameter;
     for (const Parameter& parameter : Parameters::table()) {
         out << " , ";

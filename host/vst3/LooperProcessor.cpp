@@ -69,6 +69,7 @@ void LooperProcessor::processBlockBypassed(juce::AudioBuffer<float>& audio, juce
 void LooperProcessor::play(int frames, juce::MidiBuffer& midi)
 {
     mSink.clear();
+    mBridge.setOffline(isNonRealtime());
     mBridge.beginBlock(static_cast<std::uint32_t>(std::max(frames, 0)), mSink);
     takePosition();
     for (const juce::MidiMessageMetadata message : midi)
@@ -97,7 +98,7 @@ int LooperProcessor::getCurrentProgram()
 void LooperProcessor::setCurrentProgram(int program)
 {
     if (program < kPrograms)
-        selectProgram(mBridge.effect(), program);
+        mBridge.chooseProgram(program);
 }
 
 const juce::String LooperProcessor::getProgramName(int program)

@@ -48,14 +48,4 @@ CriticalSection::~CriticalSection()
     pthread_mutex_destroy(&mMutex);
 }
 
-void CriticalSection::Enter()
-{
-    pthread_mutex_lock(&mMutex);
-}
-
-void CriticalSection::Leave()
-{
-    pthread_mutex_unlock(&mMutex);
-}
-
 } // namespace Korvanel

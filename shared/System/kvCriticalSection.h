@@ -19,8 +19,9 @@ public:
     CriticalSection& operator=(const CriticalSection&) = delete;
 
     /// Waits without limit. The holder may enter again and leaves once for each entry.
-    void Enter() KV_ACQUIRE();
-    void Leave() KV_RELEASE();
+    void Enter() KV_ACQUIRE() { pthread_mutex_lock(&mMutex); }
+
+    void Leave() KV_RELEASE() { pthread_mutex_unlock(&mMutex); }
 
 private:
     pthread_mutex_t mMutex;

@@ -1,4 +1,5 @@
 // State of a bridge: whole round trips, and damage of every kind.
+#include "library/PatternTree.h"
 #include "tests/host/bridge/BridgeHost.h"
 
 #include <gtest/gtest.h>
@@ -79,6 +80,18 @@ TEST_F(BridgeState, AChunkOfNoVersionIsRefused)
     EXPECT_FALSE(bridge.loadState(std::string(4, '\0')));
     EXPECT_FALSE(bridge.loadState("\xFF\xFF\xFF\xFF"));
     EXPECT_FALSE(bridge.loadState(""));
+}
+
+TEST_F(BridgeState, WhatWasAskedForBeforeAStateIsOver)
+{
+    library.put("Rock/a.mid", midiFileWithNote(41));
+    CLooper::patternTree()->update();
+    const std::string state = bridge.saveState();
+    message(0, {0xC0, 0});
+    block(100);
+    bridge.loadState(state);
+    EXPECT_FALSE(bridge.wantsWork());
+    EXPECT_STREQ(bridge.effect().GetPatternName().c_str(), "mine");
 }
 
 TEST_F(BridgeState, LoadingSilencesTheOldPattern)

@@ -104,7 +104,6 @@ class Lv2Instance
 {
 public:
     static constexpr std::size_t kBytes = 65536;
-    static constexpr std::uint32_t kFirstParameter = 3;
 
     /// @param options  for the instance's first moments; null: none
     explicit Lv2Instance(Lv2World& world, double rate = 48000, bool offersWorker = true,
@@ -241,6 +240,7 @@ public:
     std::int64_t now = 0;
     std::size_t room = kBytes - sizeof(LV2_Atom); ///< of the output port, in bytes
     int asked = 0;                                ///< work
+    bool worksAtOnce = false;                     ///< when it is asked
     std::string logged;
 
 private:
@@ -267,7 +267,10 @@ private:
 
     static LV2_Worker_Status schedule(LV2_Worker_Schedule_Handle self, std::uint32_t, const void*)
     {
-        ++static_cast<Lv2Instance*>(self)->asked;
+        auto& instance = *static_cast<Lv2Instance*>(self);
+        ++instance.asked;
+        if (instance.worksAtOnce)
+            instance.work();
         return LV2_WORKER_SUCCESS;
     }
 

@@ -105,6 +105,20 @@ TEST_F(InLv2Host, ControlsAreTheEffectsParameters)
     EXPECT_EQ(plugin.take(), (SentList{on(0, 40, 70), off(12000, 40)}));
 }
 
+TEST_F(InLv2Host, APortThatIsNotConnectedChangesNothing)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    plugin.control("velocity_add") = -30;
+    plugin.run(1);
+    for (std::uint32_t port = 2; port < plugin.controls.size(); ++port)
+        lilv_instance_connect_port(plugin.instance, port, nullptr);
+    plugin.now = 0;
+    plugin.playAt(0, 0, 0);
+    plugin.run(100);
+    EXPECT_EQ(plugin.take(), (SentList{on(0, 40, 70)}));
+}
+
 TEST_F(InLv2Host, MessagesThatAreNotUsedGoThrough)
 {
     Lv2Instance plugin(*world);
@@ -154,6 +168,29 @@ TEST_F(InLv2Host, WithoutAWorkerOfTheHostsItHasItsOwn)
     }
     ASSERT_FALSE(plugin.sent.empty());
     EXPECT_EQ(plugin.sent[0].bytes, (std::vector<std::uint8_t>{0x90, 41, 100}));
+}
+
+TEST_F(InLv2Host, FreeWheelingItWaitsForNoWorker)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    plugin.control("free_wheeling") = 1;
+    plugin.playAt(0, 0, 0);
+    plugin.midi(500, {0xC0, 1});
+    plugin.run(100000);
+    EXPECT_EQ(plugin.take(), (SentList{on(0, 40), off(500, 40), on(96000, 41)}));
+    EXPECT_EQ(plugin.asked, 0);
+}
+
+TEST_F(InLv2Host, WhatAWorkerDoesAtOnceIsHeardFromThatFrame)
+{
+    Lv2Instance plugin(*world);
+    choose(plugin, 0);
+    plugin.worksAtOnce = true;
+    plugin.playAt(0, 0, 0);
+    plugin.midi(500, {0xC0, 1});
+    plugin.run(100000);
+    EXPECT_EQ(plugin.take(), (SentList{on(0, 40), off(500, 40), on(96000, 41)}));
 }
 
 TEST_F(InLv2Host, ACycleAllocatesNothingTouchesNoFileAndTakesTheEffectsLockOnly)

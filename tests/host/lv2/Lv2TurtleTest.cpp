@@ -44,6 +44,19 @@ protected:
         return all;
     }
 
+    std::string nameOf(const LilvPort* port)
+    {
+        return textAndFree(lilv_port_get_name(world.plugin, port));
+    }
+
+    std::string unitOf(const LilvPort* port)
+    {
+        LilvNode* unit = lilv_new_uri(world.world, "http://lv2plug.in/ns/extensions/units#unit");
+        LilvNode* value = lilv_port_get(world.plugin, port, unit);
+        lilv_node_free(unit);
+        return value == nullptr ? "" : textAndFree(value);
+    }
+
     std::vector<std::string> choicesOf(const LilvPort* port)
     {
         std::map<int, std::string> labels;
@@ -61,7 +74,17 @@ protected:
         return all;
     }
 
+    static constexpr const char* kPercent = "http://lv2plug.in/ns/extensions/units#pc";
+
     Lv2World world;
+
+private:
+    static std::string textAndFree(LilvNode* node)
+    {
+        std::string text = lilv_node_as_string(node);
+        lilv_node_free(node);
+        return text;
+    }
 };
 
 } // namespace
@@ -91,17 +114,19 @@ TEST_F(Lv2Turtle, ItTellsWhichOptionsItTakes)
               (std::set<std::string>{"http://lv2plug.in/ns/ext/urid#map"}));
 }
 
-TEST_F(Lv2Turtle, ThereIsOnePortForEachParameterBehindTheFirstThree)
+TEST_F(Lv2Turtle, ThereIsOnePortForEachParameterBehindTheFirstFour)
 {
-    EXPECT_EQ(lilv_plugin_get_num_ports(world.plugin), 3 + Parameters::table().size());
+    EXPECT_EQ(lilv_plugin_get_num_ports(world.plugin), 4 + Parameters::table().size());
     std::vector<float> min(20);
     std::vector<float> max(20);
     std::vector<float> normal(20);
     lilv_plugin_get_port_ranges_float(world.plugin, min.data(), max.data(), normal.data());
-    std::uint32_t index = 3;
+    std::uint32_t index = 4;
     for (const Parameter& parameter : Parameters::table()) {
         const LilvPort* port = lilv_plugin_get_port_by_index(world.plugin, index);
         EXPECT_EQ(symbolOf(world.plugin, port), parameter.id);
+        EXPECT_EQ(nameOf(port), parameter.name);
+        EXPECT_EQ(unitOf(port), std::string(parameter.unit) == "%" ? kPercent : "");
         EXPECT_EQ(min[index], static_cast<float>(parameter.min));
         EXPECT_EQ(max[index], static_cast<float>(parameter.max));
         EXPECT_EQ(normal[index], static_cast<float>(parameter.normal));
@@ -112,6 +137,16 @@ TEST_F(Lv2Turtle, ThereIsOnePortForEachParameterBehindTheFirstThree)
                   parameter.kind == ParameterKind::Choice);
         ++index;
     }
+}
+
+TEST_F(Lv2Turtle, HostsFindTheFreeWheelingPort)
+{
+    LilvNode* role = lilv_new_uri(world.world, "http://lv2plug.in/ns/lv2core#freeWheeling");
+    const LilvPort* port = lilv_plugin_get_port_by_designation(world.plugin, nullptr, role);
+    lilv_node_free(role);
+    ASSERT_NE(port, nullptr);
+    EXPECT_EQ(symbolOf(world.plugin, port), "free_wheeling");
+    EXPECT_TRUE(has(port, "http://lv2plug.in/ns/ext/port-props#notOnGUI"));
 }
 
 TEST_F(Lv2Turtle, TheTempoTypesHaveNames)

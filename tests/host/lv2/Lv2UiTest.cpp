@@ -6,10 +6,10 @@
 
 namespace {
 
-constexpr std::uint32_t kVelocityAdd = 3;        ///< the port
+constexpr std::uint32_t kVelocityAdd = 4;        ///< the port
 constexpr toolkit::Point kMoreVelocity{682, 46}; ///< the upper arrow beside it
 constexpr toolkit::Point kThru{512, 270};
-constexpr std::uint32_t kThruPort = 10;
+constexpr std::uint32_t kThruPort = 11;
 
 toolkit::Point in(toolkit::Point corner, toolkit::Point place)
 {

@@ -43,14 +43,22 @@ public:
         plugin->setRateAndBufferSizeDetails(sampleRate, kMostFrames);
         plugin->prepareToPlay(sampleRate, kMostFrames);
         midi.ensureSize(65536);
-        set("Velocity Add", 127.0F / 254);
-        set("Random Velocity", 0);
+        playAsWritten();
     }
 
     HostedPlugin(const HostedPlugin&) = delete;
     HostedPlugin& operator=(const HostedPlugin&) = delete;
 
     ~HostedPlugin() { plugin->releaseResources(); }
+
+    /// From now on as fast as possible, as hosts play that export a song.
+    void goOffline()
+    {
+        plugin->releaseResources();
+        plugin->setNonRealtime(true);
+        plugin->prepareToPlay(song.sampleRate, kMostFrames);
+        playAsWritten(); // JUCE's LV2 host forgets what no block has taken yet
+    }
 
     juce::AudioProcessorParameter* parameter(const juce::String& name) const
     {
@@ -96,6 +104,12 @@ public:
     std::int64_t now = 0;
 
 private:
+    void playAsWritten()
+    {
+        set("Velocity Add", 127.0F / 254);
+        set("Random Velocity", 0);
+    }
+
     juce::AudioBuffer<float> mAudio;
 };
 

@@ -265,6 +265,15 @@ TEST_F(Processor, AProgramChangeInTheMusicIsFollowedSoon)
     EXPECT_EQ(processor->getCurrentProgram(), 1);
 }
 
+TEST_F(Processor, OfflineAProgramChangeInTheMusicIsFollowedAtOnce)
+{
+    processor->setNonRealtime(true);
+    input.addEvent(juce::MidiMessage::programChange(1, 0), 0);
+    input.addEvent(juce::MidiMessage::programChange(1, 1), 5);
+    EXPECT_EQ(play(10), (SentList{on(0, 40), off(5, 40)}));
+    EXPECT_EQ(processor->getCurrentProgram(), 1);
+}
+
 TEST_F(Processor, AProjectBringsPatternAndParametersBack)
 {
     processor->setCurrentProgram(1);
