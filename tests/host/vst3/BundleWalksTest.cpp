@@ -32,6 +32,22 @@ public:
         block(100);
     }
 
+    /// JUCE's LV2 host lets its worker call an instance that is gone already; so the last of its
+    /// calls is waited for.
+    void settle(Format format)
+    {
+        SongHead& song = mHosted->song;
+        song.looping = false;
+        song.firstBar = 0;
+        song.numerator = 4;
+        song.denominator = 4;
+        mHosted->set("MIDI Thru", 0);
+        Bundles::choose(format, *mHosted, 0);
+        Bundles::choose(format, *mHosted, 1); // heard behind everything that was asked for
+        mHosted->plugin->setNonRealtime(true);
+        mHosted->run(1); // waits for a call under way
+    }
+
     Instrument instrument;
 
 private:
@@ -120,5 +136,6 @@ TEST_P(BundleWalks, NoNoteHangsOrDoublesInTenThousand)
             ASSERT_FALSE(testing::Test::HasFailure()) << "host " << host << ", walk " << i;
         }
         EXPECT_GT(walk.instrument.notes(), 200);
+        walk.settle(GetParam());
     }
 }
