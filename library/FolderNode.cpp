@@ -9,7 +9,6 @@
 
 using Korvanel::String;
 using Korvanel::DirectoryTrees::Leaf;
-using Korvanel::DirectoryTrees::Node;
 using Korvanel::DirectoryTrees::Tree;
 
 namespace {
