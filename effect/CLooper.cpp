@@ -7,8 +7,6 @@
 #include <cstring>
 #include <memory>
 
-using Korvanel::ScopedLock;
-
 std::atomic<std::int32_t> g_lComponents{0};
 
 namespace {
