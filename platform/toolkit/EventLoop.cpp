@@ -165,9 +165,14 @@ void EventLoop::quit()
 
 void EventLoop::turn()
 {
-    if (auto* manager = juce::MessageManager::getInstanceWithoutCreating())
-        if (isThisThread())
-            manager->runDispatchLoopUntil(0);
+    auto* manager = juce::MessageManager::getInstanceWithoutCreating();
+    if (manager == nullptr || !isThisThread())
+        return;
+    manager->runDispatchLoopUntil(0);
+    // Who waits for an answer of the window system's takes in the events before it: those lie in
+    // its library's queue then, and no descriptor tells of them.
+    for (const int fd : juce::LinuxEventLoopInternal::getRegisteredFds())
+        juce::LinuxEventLoopInternal::invokeEventLoopCallbackForFd(fd);
 }
 
 bool EventLoop::post(std::function<void()> function)
