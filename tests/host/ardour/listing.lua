@@ -1,7 +1,7 @@
 -- What Ardour shows of the plug-in and its parameters.
 local studio = dofile(arg[3] .. "/studio.lua")
 
--- Label, lowest, highest and first value; the switch that each format adds is named apart.
+-- Label, lowest, highest and first value; what each format adds is named apart.
 local kParameters = {
     { "Velocity Add", -127, 127, -10 },
     { "Random Minimum", -127, 0, -15 },
@@ -13,8 +13,13 @@ local kParameters = {
     { "MIDI Thru", 0, 1, 0 },
     { "Tempo", 0, 2, 1 },
     { "Drag Repeat", 1, 999, 1 },
-    studio.format == "lv2" and { "Enabled", 0, 1, 1 } or { "Bypass", 0, 1, 0 },
 }
+if studio.format == "lv2" then
+    table.insert(kParameters, { "Enabled", 0, 1, 1 })
+    table.insert(kParameters, { "Free-Wheeling", 0, 1, 0 }) -- which Ardour itself turns
+else
+    table.insert(kParameters, { "Bypass", 0, 1, 0 })
+end
 
 studio.open()
 local info = studio.pluginInfo()

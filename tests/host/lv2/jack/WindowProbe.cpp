@@ -239,9 +239,9 @@ void probe(const char* log, char** command)
     const auto at = [&](toolkit::Point place) {
         return toolkit::Point{corner.x + place.x, corner.y + place.y};
     };
-    clickAndExpect(display, at(kMoreVelocity), log, "port 3 is 1");
-    clickAndExpect(display, at(kThru), log, "port 10 is 1");
-    clickAndExpect(display, at(kThru), log, "port 10 is 0");
+    clickAndExpect(display, at(kMoreVelocity), log, "port 4 is 1");
+    clickAndExpect(display, at(kThru), log, "port 11 is 1");
+    clickAndExpect(display, at(kThru), log, "port 11 is 0");
 
     display.askToClose(outer);
     expect(until([&] { return host.hasEnded(); }), "the host ends with its window");
