@@ -85,9 +85,13 @@ public:
 
     void mouseDown(const juce::MouseEvent& event) override
     {
-        if (event.mods.isPopupMenu() &&
-            mControl.contextualClick(event.getPosition()) != eventNotHandledErr)
-            return;
+        if (event.mods.isPopupMenu()) {
+            if (mControl.contextualClick(event.getPosition()) != eventNotHandledErr)
+                return;
+            // A menu that was left without a choice has had the rest of the click.
+            if (!juce::ModifierKeys::currentModifiers.isAnyMouseButtonDown())
+                return;
+        }
         mPressed = buttonBits(event.mods);
         sPressed = &mControl;
         sendMouse(1, event);

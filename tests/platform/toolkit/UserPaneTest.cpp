@@ -1,3 +1,4 @@
+#include "platform/toolkit/Menu.h"
 #include "platform/toolkit/PixelSource.h"
 #include "tests/platform/toolkit/ToolkitFixture.h"
 
@@ -254,4 +255,24 @@ TEST_F(UserPaneTest, AContextualClickThatNobodyTakesIsAMouseDown)
 
     ASSERT_TRUE(until([this] { return has(1); }));
     EXPECT_EQ(find(1)->buttons, rightButton);
+}
+
+TEST_F(UserPaneTest, AMenuThatIsLeftHasHadTheWholeClick)
+{
+    watchMouse();
+    bool isOver = false;
+    Menu menu;
+    menu.addItem("Export To Desktop", 1);
+    window->installHandler({{"cntl"_4cc, 12}}, [&](const Event& event) {
+        menu.popUp(*window, *event.get<Point>("mloc"_4cc));
+        isOver = true;
+        return eventNotHandledErr;
+    });
+
+    const auto user = inMenu([this] { display->key("Escape"); });
+    display->click(screen(60, 50), 3);
+
+    ASSERT_TRUE(until([&isOver] { return isOver; }));
+    settle();
+    EXPECT_FALSE(has(1));
 }
