@@ -205,6 +205,7 @@ void CLooperView::showParameters()
             showNumber(*text, value);
     }
     show(kTempoControl, mLooper->tempoType() + 1);
+    mEventView->FollowState();
 }
 
 // Actions -----------------------------------------------------------------------------------------
