@@ -51,6 +51,10 @@ TEST_F(Editor, WithoutAnEffectHasNoWindow)
     editor.loaded();
     editor.update();
     editor.patternsChanged();
+    editor.AddPattern();
+    editor.DeletePattern();
+    editor.AddStyle();
+    editor.DeleteStyle();
 }
 
 TEST_F(Editor, ShowsItsWindow)
@@ -275,6 +279,16 @@ TEST_F(Editor, TheLoadedPatternsNameIsShown)
     EXPECT_EQ(text(100), "Rock/a");
     view->SetPatternName("cut\0off");
     EXPECT_EQ(text(100), "cut");
+}
+
+TEST_F(Editor, APatternWithoutStyleAndNameHasNone)
+{
+    open();
+    EXPECT_EQ(text(100), "");
+
+    view->loaded();
+
+    EXPECT_EQ(text(100), "");
 }
 
 TEST_F(Editor, WhatIsLoadedOnAnotherThreadIsShownToo)
