@@ -42,7 +42,8 @@ public:
     };
 
     /// Who wants to know what changed: the editor, the host's bridge. Called on the thread of the
-    /// change, which for startPlaying and programChange is the processing thread.
+    /// change, which for startPlaying and programChange is the processing thread. Whoever made a
+    /// listener destroys it, not here; the destructor has the last place among the operations.
     class Listener
     {
     public:
@@ -63,7 +64,7 @@ public:
         virtual void patternSelected() {}
 
     protected:
-        ~Listener() = default;
+        virtual ~Listener() = default;
     };
 
     /// Passes the choice of a pattern on to the host's observers.

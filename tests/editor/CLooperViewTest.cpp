@@ -350,6 +350,22 @@ TEST_F(Editor, ANewStyleGetsTheFirstFreeName)
     EXPECT_TRUE(fs::is_directory(library / "Rock/new style 1"));
 }
 
+TEST_F(Editor, TheThousandthNewStyleIsTheLast)
+{
+    open();
+    effect->ChangePattern("Rock", "a.mid");
+    ASSERT_TRUE(
+        until([&] { return !view->patternsView()->GetCurrentlySelectedStyle().IsEmpty(); }));
+    library.put("Rock/new style", "");
+    for (int n = 1; n <= 998; ++n)
+        library.put("Rock/new style " + std::to_string(n), "");
+
+    view->AddStyle();
+    EXPECT_TRUE(fs::is_directory(library / "Rock/new style 999"));
+    view->AddStyle();
+    EXPECT_FALSE(fs::exists(library / "Rock/new style 1000"));
+}
+
 TEST_F(Editor, OnlyAnEmptyStyleIsDeleted)
 {
     open();
