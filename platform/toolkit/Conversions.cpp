@@ -1,6 +1,7 @@
 #include "platform/toolkit/FontEngineText.h"
 #include "platform/toolkit/native/ControlImpl.h"
 
+#include <cmath>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +14,20 @@ juce::String toJuce(const std::string& text)
     for (std::string_view rest = text; !rest.empty();)
         characters.push_back(static_cast<juce::juce_wchar>(takeCharacter(rest)));
     return {juce::CharPointer_UTF32(characters.data()), characters.size()};
+}
+
+Rect pixelsOf(const Rect& points, double scale)
+{
+    constexpr double roundingError = 5e-4;
+    const auto begin = [=](int point) {
+        return static_cast<int>(std::floor(point * scale + roundingError));
+    };
+    const auto end = [=](int point) {
+        return static_cast<int>(std::ceil(point * scale - roundingError));
+    };
+    const int x = begin(points.x);
+    const int y = begin(points.y);
+    return {x, y, end(points.x + points.width) - x, end(points.y + points.height) - y};
 }
 
 std::uint32_t buttonBits(const juce::ModifierKeys& keys)

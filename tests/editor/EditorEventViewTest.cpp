@@ -93,6 +93,26 @@ TEST_F(EditorEventView, StandsInItsControl)
     EXPECT_TRUE(shows(687, 195, 0xC0C0C0));
 }
 
+TEST_F(EditorEventView, FillsItsControlAtEveryScale)
+{
+    openPlaying();
+    for (const double scale : {1.3333, 13.0 / 12, 0.75}) {
+        view->window()->setScale(scale);
+        const toolkit::Rect covered = control(108).pixelBounds();
+        const toolkit::Point corner = onScreen({0, 0});
+        const auto shown = [&](int x, int y) {
+            return display->pixel({corner.x + covered.x + x, corner.y + covered.y + y});
+        };
+        const auto isNear = [&](int x, int y, unsigned color) { // shrunk, the frame is mixed in
+            return until([&] { return (shown(x, y) & 0xE0E0C0) == (color & 0xE0E0C0); });
+        };
+        EXPECT_TRUE(isNear(covered.width - 3, 60, kPlaying)) << scale;
+        EXPECT_TRUE(isNear(300, covered.height - 3, kPlaying)) << scale;
+        EXPECT_NE(shown(covered.width - 1, covered.height - 1), 0x1d2025u) << scale;
+        EXPECT_EQ(shown(covered.width + 1, covered.height - 1), 0x1d2025u) << scale;
+    }
+}
+
 TEST_F(EditorEventView, ShowsAPatternThatIsLoaded)
 {
     openPlaying();
