@@ -102,7 +102,7 @@ void resetSignals()
         ::sigaction(signal, &standard, nullptr); // those that cannot be set are standard
     sigset_t none;
     sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
 }
 
 [[noreturn]] void fail(const Start& start, int error)
