@@ -1,4 +1,6 @@
 // The pattern on its way out of the editor: dragged to another program, or onto the desktop.
+#include "editor/Beeps.h"
+#include "editor/DragFolder.h"
 #include "editor/PatternFile.h"
 #include "effect/CLooper.h"
 #include "platform/os/StandardFolders.h"
@@ -11,10 +13,6 @@
 #include <system_error>
 
 namespace {
-
-// Sixtieths of a second: a short beep for a file that was written, a long one for failure.
-constexpr std::int32_t kWrittenBeep = 30;
-constexpr std::int32_t kFailedBeep = 60;
 
 constexpr toolkit::Pasteboard::ItemId kFileItem = 1;
 
@@ -32,10 +30,12 @@ std::string rendered(CLooper& looper)
 void CLooper::DragEvents()
 {
     const std::string bytes = rendered(*this);
-    const std::string path =
-        platform::temporaryFolder() + "/" + draggedFileName(GetPatternName().c_str());
-    if (!writeDraggedFile(path, bytes))
+    const std::string folder = dragFolder(platform::temporaryFolder());
+    const std::string path = folder + "/" + draggedFileName(GetPatternName().c_str());
+    if (folder.empty() || !writeDraggedFile(path, bytes)) {
+        toolkit::beep(kFailureBeep);
         return;
+    }
     toolkit::Pasteboard pasteboard;
     pasteboard.putItemFlavor(kFileItem, toolkit::fileUrlFlavor, toolkit::fileUrl(path));
     if (toolkit::Control* source = toolkit::pressedControl())
@@ -50,5 +50,5 @@ void CLooper::ExportEvents()
     if (!std::filesystem::is_directory(desktop, error))
         return; // an account without a desktop; it is not ours to make one
     const std::string base = exportedBaseName(GetPatternName().c_str());
-    toolkit::beep(writeExportedFile(desktop, base, bytes) ? kWrittenBeep : kFailedBeep);
+    toolkit::beep(writeExportedFile(desktop, base, bytes) ? kWrittenBeep : kFailureBeep);
 }

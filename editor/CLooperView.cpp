@@ -97,8 +97,7 @@ std::int32_t CLooperView::attach(void* host, int, int)
     mRefresh.start(kRefreshMs, [this] { showParameters(); });
     attachEventView();
     mPatternsView->AttachToWindow(mWindow.get());
-    if (!mLooper->GetPatternName().IsEmpty())
-        showPatternName();
+    showPatternName();
     return mWindow->show();
 }
 
@@ -238,7 +237,9 @@ void CLooperView::showPatternsChanged()
 
 void CLooperView::showPatternName()
 {
-    SetPatternName(mPatternsView->GetPatternName().c_str());
+    // Without a style and a name only the slash between them would be left.
+    const bool hasName = !mLooper->GetStyleName().IsEmpty() || !mLooper->GetPatternName().IsEmpty();
+    SetPatternName(hasName ? mPatternsView->GetPatternName().c_str() : "");
 }
 
 void CLooperView::SetPatternName(const char* name)

@@ -1,4 +1,5 @@
 // The controls of the editor's window, bound to the effect.
+#include "editor/Beeps.h"
 #include "editor/CLooperView.h"
 #include "editor/EventView.h"
 #include "editor/LibraryFiles.h"
@@ -16,9 +17,6 @@ using toolkit::KeyStroke;
 using toolkit::operator""_4cc;
 
 namespace {
-
-/// Beeps tell by their length what they mean.
-constexpr int kFailureBeep = 60;
 
 enum ControlNumber : int {
     kThru = 102,
@@ -205,6 +203,7 @@ void CLooperView::showParameters()
             showNumber(*text, value);
     }
     show(kTempoControl, mLooper->tempoType() + 1);
+    mEventView->FollowState();
 }
 
 // Actions -----------------------------------------------------------------------------------------
@@ -250,18 +249,22 @@ void CLooperView::performTempoChange(short menuValue)
 
 void CLooperView::AddPattern()
 {
-    mPatternsView->AddPattern();
+    if (mPatternsView != nullptr)
+        mPatternsView->AddPattern();
 }
 
 void CLooperView::DeletePattern()
 {
-    mPatternsView->DeletePattern();
+    if (mPatternsView != nullptr)
+        mPatternsView->DeletePattern();
 }
 
 // Styles ------------------------------------------------------------------------------------------
 
 void CLooperView::AddStyle()
 {
+    if (mPatternsView == nullptr)
+        return;
     const Korvanel::String folder = mPatternsView->GetCurrentlySelectedStyle();
     if (!folder.IsEmpty() && !makeStyleFolder(folder.c_str(), "new style", 999).empty())
         refreshLibrary();
@@ -269,6 +272,8 @@ void CLooperView::AddStyle()
 
 void CLooperView::DeleteStyle()
 {
+    if (mPatternsView == nullptr)
+        return;
     const Korvanel::String folder = mPatternsView->GetCurrentlySelectedStyle();
     if (folder.IsEmpty())
         return;

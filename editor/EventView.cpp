@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 using Korvanel::Color;
 using Korvanel::GraphicsContext;
@@ -50,6 +51,20 @@ void EventView::BeforeDestroy()
 
 // Drawing -----------------------------------------------------------------------------------------
 
+bool EventView::isPlaying() const
+{
+    return mLooper->isEnabled() && !mLooper->isThru();
+}
+
+void EventView::FollowState()
+{
+    if (mLooper == nullptr)
+        return;
+    const bool was = std::exchange(mWasPlaying, isPlaying());
+    if (was != mWasPlaying)
+        Invalidate();
+}
+
 Rect EventView::inner() const
 {
     return {1, 1, GetBounds().width - 2, GetBounds().height - 2};
@@ -61,7 +76,7 @@ void EventView::DrawSelf(GraphicsContext& g)
         return;
     const Point before = g.ChangeOrigin(PositionInWorld());
     const Rect all{0, 0, GetBounds().width, GetBounds().height};
-    g.FillRect(all, mLooper->isEnabled() && !mLooper->isThru() ? kPlaying : kSilent);
+    g.FillRect(all, isPlaying() ? kPlaying : kSilent);
     g.DrawRect(all, kFrame);
     mLooper->DrawEvents(g, inner());
     if (mLooper->GetLastTick(nullptr) <= kLastTickOfNothing)

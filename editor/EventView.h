@@ -23,12 +23,17 @@ public:
     /// Moves the cursor by drawing over its old and its new column; nothing while it stands.
     void DrawTick();
 
+    /// Draws again what tells whether the pattern is heard, if that is another than at the last
+    /// call: a host's automation lets notes through without telling anybody.
+    void FollowState();
+
     /// Shows the menu where the mouse is. @return the chosen item's index, -1 for none
     int ShowContextualMenu(Korvanel::MenuItemList& items);
 
     std::int32_t cursorX() const { return mCursorX; } ///< in the inner rectangle, as last drawn
 
 private:
+    bool isPlaying() const; ///< with an effect
     void dragWhenMoved(const Korvanel::MouseEvent& event);
     Korvanel::Rect inner() const;
     Korvanel::Rect cursorAt(std::int32_t x) const;
@@ -39,4 +44,5 @@ private:
     Korvanel::Ref<Korvanel::Delegate> mTickTask;
     Korvanel::Point mDownPoint;
     bool mDragArmed = false;
+    bool mWasPlaying = false; ///< when FollowState last looked
 };

@@ -1,5 +1,6 @@
 #include "editor/PatternFile.h"
 
+#include "effect/ILooper.h"
 #include "platform/os/WholeFile.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ constexpr std::size_t kMostBytes = 255;  ///< of a file's name
 constexpr std::size_t kWritingBytes = 5; ///< what a name grows by while its file is being written
 constexpr std::size_t kNumberBytes = 8;  ///< " 999.mid"
 constexpr int kMostNames = 1000;
-constexpr std::string_view kFileScheme = "file://";
+constexpr std::string_view kFileScheme = IKVSSExStrumwerks::Pattern::fileScheme;
 
 /// Where a character of UTF-8 begins, so that a cut leaves no half ones.
 std::size_t cutBefore(const std::string& text, std::size_t most)

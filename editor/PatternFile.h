@@ -12,8 +12,7 @@ std::string draggedFileName(const std::string& pattern);
 /// for a number and ".mid". "Pattern" stands for an empty name.
 std::string exportedBaseName(const std::string& pattern);
 
-/// Writes a file into a folder that others may write to as well: an older file of that name is
-/// replaced, and a link of that name too, not followed.
+/// Writes a file: an older one of that name is replaced, and a link of that name too, not followed.
 /// @return false when it could not be written
 bool writeDraggedFile(const std::string& path, const std::string& bytes);
 

@@ -35,7 +35,7 @@ public:
     PatternsView(CLooper* looper, CLooperView*);
     PatternsView(const PatternsView&) = delete;
     PatternsView& operator=(const PatternsView&) = delete;
-    ~PatternsView();
+    ~PatternsView() override;
 
     /// Takes the window's two browsers. @return false, doing nothing, without a window, without one
     /// of them or when attached already

@@ -1,4 +1,5 @@
 // Adding, renaming and deleting styles and patterns, by the window's buttons and the styles' menu.
+#include "editor/Beeps.h"
 #include "editor/LibraryFiles.h"
 #include "editor/LibraryNodes.h"
 #include "editor/PatternsView.h"
@@ -15,7 +16,6 @@ using toolkit::operator""_4cc; // NOLINT(misc-unused-using-decls): it does not s
 
 namespace {
 
-constexpr std::int32_t kBeep = 60;
 constexpr std::uint32_t kFileSlack = 1 << 16; // many small writes make a pattern
 
 enum StyleCommand { AddStyle = 1, DeleteStyle = 2, RenameStyle = 3, ShowInfo = 5 }; // item indices
@@ -51,7 +51,7 @@ void PatternsView::AddPattern()
     if (addPatternFile(folder.c_str(), toText(name), file.text()))
         refresh(listed);
     else
-        toolkit::beep(kBeep);
+        toolkit::beep(kFailureBeep);
 }
 
 void PatternsView::DeletePattern()
@@ -66,7 +66,7 @@ void PatternsView::DeletePattern()
     if (isLibraryName(toText(name)) && deletePatternFile((folder + name + ".mid").c_str()))
         refresh(listed);
     else
-        toolkit::beep(kBeep);
+        toolkit::beep(kFailureBeep);
 }
 
 /// A refused name beeps. The node keeps its place in the lists, so only what is drawn changes.
@@ -79,7 +79,7 @@ void PatternsView::rename(Node& node, const std::string& text)
                renameNode(node, node.isTree() ? text : text + ".mid");
     }
     if (!done)
-        toolkit::beep(kBeep);
+        toolkit::beep(kFailureBeep);
     for (const PatternsView* view : mAttached) {
         view->mStyles->dataBrowser()->updateItem();
         view->mPatterns->dataBrowser()->updateItem();
@@ -132,7 +132,7 @@ void PatternsView::addStyle()
         return;
     const std::string name = makeStyleFolder(folder.c_str());
     if (name.empty()) {
-        toolkit::beep(kBeep);
+        toolkit::beep(kFailureBeep);
         return;
     }
     const String path = listed + "\\" + name.c_str();
@@ -159,7 +159,7 @@ void PatternsView::deleteStyle()
     if (isThere) {
         refresh(listed);
     } else {
-        toolkit::beep(kBeep);
+        toolkit::beep(kFailureBeep);
         listAgain(listed);
     }
 }
@@ -174,7 +174,7 @@ void PatternsView::renameStyle()
 void PatternsView::showInfo()
 {
     if (mListedTree == nullptr) {
-        toolkit::beep(kBeep);
+        toolkit::beep(kFailureBeep);
         return;
     }
     String path;

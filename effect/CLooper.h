@@ -42,8 +42,10 @@ public:
     };
 
     /// Who wants to know what changed: the editor, the host's bridge. Called on the thread of the
+    /// Who wants to know what changed: the editor, the host's bridge. Called on the thread of the
     /// change: for startPlaying and programChange that is the processing thread, for
-    /// patternsChanged it may be the one that watches the library.
+    /// patternsChanged it may be the one that watches the library. Whoever made a listener destroys
+    /// it, not here; the destructor has the last place among the operations.
     class Listener
     {
     public:
@@ -64,7 +66,7 @@ public:
         virtual void patternSelected() {}
 
     protected:
-        ~Listener() = default;
+        virtual ~Listener() = default;
     };
 
     /// Passes the choice of a pattern on to the host's observers.

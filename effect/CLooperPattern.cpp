@@ -19,7 +19,7 @@ using Korvanel::String;
 
 namespace {
 
-constexpr std::string_view kFileScheme = "file://";
+constexpr std::string_view kFileScheme = IKVSSExStrumwerks::Pattern::fileScheme;
 constexpr int kStyleBytes = 259; ///< a style of so many leaves no room for a pattern's name
 constexpr std::size_t kNameBytes = sizeof IKVSSExStrumwerks::Pattern::name;
 

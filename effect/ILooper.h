@@ -2,6 +2,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 /// Records that the host and the effect exchange about patterns.
 struct IKVSSExStrumwerks
@@ -12,8 +13,10 @@ struct IKVSSExStrumwerks
         std::int32_t denominator; ///< the beat's note value, a power of two
         std::int32_t bars;
         /// Style, backslash, pattern. When setting: a path below the library without the extension,
-        /// or "file://" and an absolute path. Zero-terminated.
+        /// or `fileScheme` and an absolute path. Zero-terminated.
         char name[260];
+
+        static constexpr std::string_view fileScheme = "file://"; ///< of a file outside the library
     };
 
     /// Told when another pattern plays. The host implements and owns it.

@@ -11,13 +11,14 @@ constexpr int kLargest = 8192;
 } // namespace
 
 LoopUser::LoopUser()
+    : mStarted(toolkit::EventLoop::start() == toolkit::noErr)
 {
-    toolkit::EventLoop::start();
 }
 
 LoopUser::~LoopUser()
 {
-    toolkit::EventLoop::stop();
+    if (mStarted)
+        toolkit::EventLoop::stop();
 }
 
 LooperEditor::LooperEditor(LooperProcessor& looper)

@@ -8,7 +8,8 @@
 
 class LooperProcessor;
 
-/// Keeps the toolkit's message loop, which is the host's here. [ui thread]
+/// Keeps the toolkit's message loop, which is the host's here. Without it, as on a thread that is
+/// not the loop's, no window can be made. [ui thread]
 class LoopUser
 {
 public:
@@ -16,6 +17,9 @@ public:
     ~LoopUser();
     LoopUser(const LoopUser&) = delete;
     LoopUser& operator=(const LoopUser&) = delete;
+
+private:
+    bool mStarted;
 };
 
 /// [ui thread]. The loop outlives the component: its last calls to the display may still fail.

@@ -1,6 +1,7 @@
 #include "platform/toolkit/native/BrowserTree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace toolkit::native {
 
@@ -35,11 +36,17 @@ void BrowserTree::add(BrowserItem container, BrowserItem item)
     mRowsKnown = false;
 }
 
-std::vector<BrowserItem> BrowserTree::withContents(BrowserItem item) const
+std::vector<BrowserItem> BrowserTree::takeMembers(BrowserItem container)
+{
+    mRowsKnown = false;
+    return std::exchange(mNodes[container].members, {});
+}
+
+std::vector<BrowserItem> BrowserTree::takeWithContents(BrowserItem item)
 {
     std::vector<BrowserItem> result;
-    for (const BrowserItem member : members(item)) {
-        const auto inner = withContents(member);
+    for (const BrowserItem member : takeMembers(item)) {
+        const auto inner = takeWithContents(member);
         result.insert(result.end(), inner.begin(), inner.end());
     }
     result.push_back(item);

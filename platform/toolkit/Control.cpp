@@ -5,6 +5,7 @@
 #include "platform/toolkit/native/ControlImpl.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace toolkit {
 
@@ -183,6 +184,11 @@ Rect Control::bounds() const
     return mImpl->description.bounds;
 }
 
+Rect Control::pixelBounds() const
+{
+    return native::pixelsOf(bounds(), mImpl->window.scaleFactor());
+}
+
 void Control::setBounds(const Rect& bounds)
 {
     const Rect before = std::exchange(mImpl->description.bounds, bounds);
@@ -200,8 +206,12 @@ void Control::invalidate()
 
 void Control::invalidate(const Rect& area)
 {
-    if (mImpl->view)
-        mImpl->view->component().repaint(native::toJuce(area));
+    if (!mImpl->view)
+        return;
+    // At other than whole scales a source's pixel may begin before the point that it belongs to.
+    const double scale = mImpl->window.scaleFactor();
+    const int around = scale == std::floor(scale) ? 0 : 1;
+    mImpl->view->component().repaint(native::toJuce(area).expanded(around));
 }
 
 bool Control::focus()

@@ -116,6 +116,9 @@ public:
 
     /// In window points from the content's top-left corner.
     Rect bounds() const;
+    /// What it covers of the window in device pixels, from the content's corner: every pixel that
+    /// its bounds touch at the window's scale.
+    Rect pixelBounds() const;
     /// Sends 'cntl' 154.
     void setBounds(const Rect& bounds);
 

@@ -1,36 +1,33 @@
+#include "platform/toolkit/FontEngineText.h"
 #include "platform/toolkit/native/ControlImpl.h"
+
+#include <cmath>
+#include <string_view>
+#include <vector>
 
 namespace toolkit::native {
 
-namespace {
-
-/// How many bytes the character at `text` has; 0 when these are no UTF-8.
-std::size_t sequenceLength(const std::string& text, std::size_t at)
-{
-    const auto first = static_cast<unsigned char>(text[at]);
-    const std::size_t length = first < 0x80                    ? 1
-                               : first >= 0xc2 && first < 0xe0 ? 2
-                               : first >= 0xe0 && first < 0xf0 ? 3
-                               : first >= 0xf0 && first < 0xf5 ? 4
-                                                               : 0;
-    if (length == 0 || at + length > text.size())
-        return 0;
-    return juce::CharPointer_UTF8::isValidString(text.data() + at, static_cast<int>(length))
-               ? length
-               : 0;
-}
-
-} // namespace
-
 juce::String toJuce(const std::string& text)
 {
-    std::string clean;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t length = sequenceLength(text, at);
-        clean += length > 0 ? text.substr(at, length) : "\xef\xbf\xbd";
-        at += std::max<std::size_t>(length, 1);
-    }
-    return juce::String::fromUTF8(clean.data(), static_cast<int>(clean.size()));
+    std::vector<juce::CharPointer_UTF32::CharType> characters;
+    characters.reserve(text.size());
+    for (std::string_view rest = text; !rest.empty();)
+        characters.push_back(static_cast<juce::juce_wchar>(takeCharacter(rest)));
+    return {juce::CharPointer_UTF32(characters.data()), characters.size()};
+}
+
+Rect pixelsOf(const Rect& points, double scale)
+{
+    constexpr double roundingError = 5e-4;
+    const auto begin = [=](int point) {
+        return static_cast<int>(std::floor(point * scale + roundingError));
+    };
+    const auto end = [=](int point) {
+        return static_cast<int>(std::ceil(point * scale - roundingError));
+    };
+    const int x = begin(points.x);
+    const int y = begin(points.y);
+    return {x, y, end(points.x + points.width) - x, end(points.y + points.height) - y};
 }
 
 std::uint32_t buttonBits(const juce::ModifierKeys& keys)

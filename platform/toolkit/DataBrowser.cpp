@@ -68,7 +68,7 @@ Status DataBrowser::removeItems(BrowserItem container, const std::vector<Browser
             status = itemNotFoundErr;
             continue;
         }
-        for (const BrowserItem each : impl.tree.withContents(item))
+        for (const BrowserItem each : impl.tree.takeWithContents(item))
             impl.removeOne(each);
     }
     impl.refresh();
@@ -79,7 +79,7 @@ Status DataBrowser::removeAllItems(BrowserItem container)
 {
     if (!mImpl->tree.has(container))
         return itemNotFoundErr;
-    return removeItems(container, items(container));
+    return removeItems(container, mImpl->tree.takeMembers(container));
 }
 
 bool DataBrowser::hasItem(BrowserItem item) const

@@ -52,14 +52,14 @@ public:
     {
     }
 
-    /// Sets the face to `percent` of the style's size; null without a font.
-    FT_Face sized(const FontStyle& style, int percent)
+    /// Sets the face to the style's size at a scale; null without a font.
+    FT_Face sized(const FontStyle& style, SurfaceScale scale = {})
     {
         FT_Face face = faces.face(style.family, (style.face & FontStyle::bold) != 0,
                                   (style.face & FontStyle::italic) != 0);
         if (face == nullptr)
             return nullptr;
-        const FT_F26Dot6 size = soundSize(style) * 64 * percent / 100;
+        const FT_F26Dot6 size = soundSize(style) * 64 * scale.device / scale.logical;
         return FT_Set_Char_Size(face, 0, size, 72, 72) == 0 ? face : nullptr;
     }
 
@@ -146,7 +146,7 @@ std::uint16_t FontEngine::familyNumber(std::string_view name)
 
 TextMetrics FontEngine::metrics(const FontStyle& style)
 {
-    const FT_Face face = mImpl->sized(style, 100);
+    const FT_Face face = mImpl->sized(style);
     if (face == nullptr)
         return {};
     return {rounded(face->size->metrics.ascender), rounded(-face->size->metrics.descender)};
@@ -154,7 +154,7 @@ TextMetrics FontEngine::metrics(const FontStyle& style)
 
 std::int32_t FontEngine::width(const FontStyle& style, std::string_view text)
 {
-    const FT_Face face = mImpl->sized(style, 100);
+    const FT_Face face = mImpl->sized(style);
     if (face == nullptr)
         return 0;
     return rounded(Impl::layOut(face, text, [](FT_UInt, std::int64_t) {}));
@@ -163,11 +163,12 @@ std::int32_t FontEngine::width(const FontStyle& style, std::string_view text)
 void FontEngine::draw(Surface& surface, SurfacePoint baseline, const FontStyle& style,
                       std::string_view text, std::uint32_t rgb)
 {
-    const int percent = surface.scalePercent();
-    const FT_Face face = mImpl->sized(style, percent);
+    const SurfaceScale across = surface.scaleAcross();
+    const FT_Face face = mImpl->sized(style, across);
     if (face == nullptr)
         return;
-    const SurfacePoint start{scaledEdge(baseline.x, percent), scaledEdge(baseline.y, percent)};
+    const SurfacePoint start{scaledEdge(baseline.x, across),
+                             scaledEdge(baseline.y, surface.scaleDown())};
     const std::int64_t end = Impl::layOut(face, text, [&](FT_UInt index, std::int64_t position) {
         const Glyph& glyph = mImpl->glyph(face, index);
         surface.drawMask({start.x + rounded(position) + glyph.left, start.y - glyph.top},
@@ -175,7 +176,7 @@ void FontEngine::draw(Surface& surface, SurfacePoint baseline, const FontStyle& 
     });
     if ((style.face & FontStyle::underline) == 0)
         return;
-    const int thickness = percent / 100;
+    const int thickness = across.wholePixels();
     const std::vector<std::uint8_t> line(static_cast<std::size_t>(rounded(end)), 255);
     surface.drawMask({start.x, start.y + thickness},
                      {line.data(), static_cast<int>(line.size()), thickness, 0}, rgb);

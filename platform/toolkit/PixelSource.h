@@ -11,8 +11,8 @@ class PixelSource
 public:
     virtual ~PixelSource() = default;
 
-    /// Device pixels: window points times `Window::scaleFactor`, rounded to nearest. A size that
-    /// differs is shown from the top-left corner, unscaled.
+    /// Device pixels. The size of `Control::pixelBounds` is shown pixel by pixel, any other one
+    /// stretched to it.
     virtual int width() const = 0;
     virtual int height() const = 0;
 

@@ -27,27 +27,42 @@ std::uint32_t blendedChannel(std::uint32_t below, std::uint32_t above, unsigned 
     return (old * (255 - cover) + fresh * cover + 127) / 255 << shift;
 }
 
+SurfaceScale atLeastOneToOne(SurfaceScale scale)
+{
+    return {std::max(scale.device, scale.logical), scale.logical};
+}
+
 } // namespace
 
-std::unique_ptr<Surface> Surface::create(const SurfaceRect& bounds, int percent)
+SurfaceRect Surface::scaled(const SurfaceRect& rect, SurfaceScale across, SurfaceScale down)
 {
-    percent = std::clamp(percent, 100, 400);
-    const SurfaceRect device{scaledEdge(bounds.left, percent), scaledEdge(bounds.top, percent),
-                             scaledEdge(bounds.right, percent), scaledEdge(bounds.bottom, percent)};
+    return {scaledEdge(rect.left, across), scaledEdge(rect.top, down),
+            scaledEdge(rect.right, across), scaledEdge(rect.bottom, down)};
+}
+
+std::unique_ptr<Surface> Surface::create(const SurfaceRect& bounds, SurfaceScale across,
+                                         SurfaceScale down)
+{
+    if (bounds.empty())
+        return nullptr;
+    across = atLeastOneToOne(across);
+    down = atLeastOneToOne(down);
+    const SurfaceRect device = scaled(bounds, across, down);
     if (device.empty() || device.right - device.left > longestSide ||
         device.bottom - device.top > longestSide)
         return nullptr;
     try {
-        return std::unique_ptr<Surface>(new Surface(bounds, device, percent));
+        return std::unique_ptr<Surface>(new Surface(bounds, across, down));
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
 }
 
-Surface::Surface(const SurfaceRect& bounds, const SurfaceRect& device, int percent)
+Surface::Surface(const SurfaceRect& bounds, SurfaceScale across, SurfaceScale down)
     : mBounds(bounds)
-    , mDevice(device)
-    , mPercent(percent)
+    , mAcross(across)
+    , mDown(down)
+    , mDevice(toDevice(bounds))
     , mPixels(static_cast<std::size_t>(deviceWidth()) * static_cast<std::size_t>(deviceHeight()))
 {
     setClip(SurfaceRegion(bounds));
@@ -57,17 +72,12 @@ void Surface::setClip(SurfaceRegion clip)
 {
     mClip = std::move(clip);
     const SurfaceRect extents = mClip.extents();
-    mClipIsScaled = mPercent != 100 || intersection(extents, mDevice) != extents;
+    mClipIsScaled =
+        !mAcross.isOneToOne() || !mDown.isOneToOne() || intersection(extents, mDevice) != extents;
     if (!mClipIsScaled) // the most common clip is not copied
         return;
-    mScaledClip = mClip.scaled(mPercent);
+    mScaledClip = mClip.scaled(mAcross, mDown);
     mScaledClip.intersect(SurfaceRegion(mDevice));
-}
-
-SurfaceRect Surface::toDevice(const SurfaceRect& rect) const
-{
-    return {scaledEdge(rect.left, mPercent), scaledEdge(rect.top, mPercent),
-            scaledEdge(rect.right, mPercent), scaledEdge(rect.bottom, mPercent)};
 }
 
 void Surface::paintRect(const SurfaceRect& rect)

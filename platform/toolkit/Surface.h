@@ -31,17 +31,26 @@ class Surface
 {
 public:
     /// @param bounds   the logical rectangle that it covers; its corner need not be (0, 0)
-    /// @param percent  the scale, 100 to 400: what lies outside is brought inside
+    /// @param across,down  the scale; what is below one to one is brought there, so that no line
+    ///                     vanishes
     /// @return every pixel 0, the clip its bounds, pen black in copy mode; null when `bounds` is
     ///         empty, larger than 32,767 device pixels either way, or memory is short
-    static std::unique_ptr<Surface> create(const SurfaceRect& bounds, int percent = 100);
+    static std::unique_ptr<Surface> create(const SurfaceRect& bounds, SurfaceScale across,
+                                           SurfaceScale down);
+
+    static std::unique_ptr<Surface> create(const SurfaceRect& bounds, SurfaceScale both = {})
+    {
+        return create(bounds, both, both);
+    }
 
     Surface(const Surface&) = delete;
     Surface& operator=(const Surface&) = delete;
 
     SurfaceRect bounds() const { return mBounds; }
 
-    int scalePercent() const { return mPercent; }
+    SurfaceScale scaleAcross() const { return mAcross; }
+
+    SurfaceScale scaleDown() const { return mDown; }
 
     int deviceWidth() const { return mDevice.right - mDevice.left; }
 
@@ -92,7 +101,9 @@ private:
     static constexpr std::uint32_t rgbBits = 0x00FFFFFF;
     static constexpr std::uint32_t opaque = 0xFF000000;
 
-    Surface(const SurfaceRect& bounds, const SurfaceRect& device, int percent);
+    Surface(const SurfaceRect& bounds, SurfaceScale across, SurfaceScale down);
+
+    static SurfaceRect scaled(const SurfaceRect& rect, SurfaceScale across, SurfaceScale down);
 
     std::size_t indexOf(int x, int y) const
     {
@@ -109,15 +120,22 @@ private:
     /// The clip in device pixels; never reaches past mDevice.
     const SurfaceRegion& deviceClip() const { return mClipIsScaled ? mScaledClip : mClip; }
 
-    SurfaceRect toDevice(const SurfaceRect& rect) const;
+    SurfaceRect toDevice(const SurfaceRect& rect) const { return scaled(rect, mAcross, mDown); }
+
+    SurfacePoint toDevice(SurfacePoint point) const
+    {
+        return {scaledEdge(point.x, mAcross), scaledEdge(point.y, mDown)};
+    }
+
     void paintDevice(const SurfaceRect& device);
     void paintPart(const SurfaceRect& part);
     void slantedLine(SurfacePoint from, SurfacePoint to);
     void paintCrossings(std::int32_t y, std::vector<std::int32_t>& crossings);
 
     SurfaceRect mBounds;
+    SurfaceScale mAcross;
+    SurfaceScale mDown;
     SurfaceRect mDevice; ///< the bounds in device pixels
-    int mPercent;
     std::vector<std::uint32_t> mPixels;
     SurfaceRegion mClip;
     SurfaceRegion mScaledClip; ///< the clip in device pixels, where it is another than mClip

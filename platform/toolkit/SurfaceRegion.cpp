@@ -28,13 +28,13 @@ SurfaceRect intersection(const SurfaceRect& a, const SurfaceRect& b)
             std::min(a.bottom, b.bottom)};
 }
 
-std::int32_t scaledEdge(std::int32_t edge, int percent)
+std::int32_t scaledEdge(std::int32_t edge, SurfaceScale scale)
 {
     constexpr std::int64_t limit = 1 << 28;
     std::int64_t scaled = edge;
-    if (percent != 100) {
-        const std::int64_t product = std::int64_t{edge} * percent;
-        scaled = product / 100 - (product % 100 < 0 ? 1 : 0);
+    if (!scale.isOneToOne()) {
+        const std::int64_t product = std::int64_t{edge} * scale.device;
+        scaled = product / scale.logical - (product % scale.logical < 0 ? 1 : 0);
     }
     return static_cast<std::int32_t>(std::clamp(scaled, -limit, limit));
 }
@@ -170,16 +170,15 @@ SurfaceRegion SurfaceRegion::border() const
     return edge;
 }
 
-SurfaceRegion SurfaceRegion::scaled(int percent) const
+SurfaceRegion SurfaceRegion::scaled(SurfaceScale across, SurfaceScale down) const
 {
     int count = 0;
     const pixman_box32_t* boxes = pixman_region32_rectangles(operand(mRegion), &count);
     std::vector<pixman_box32_t> device;
     device.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
-        const pixman_box32_t box{scaledEdge(boxes[i].x1, percent), scaledEdge(boxes[i].y1, percent),
-                                 scaledEdge(boxes[i].x2, percent),
-                                 scaledEdge(boxes[i].y2, percent)};
+        const pixman_box32_t box{scaledEdge(boxes[i].x1, across), scaledEdge(boxes[i].y1, down),
+                                 scaledEdge(boxes[i].x2, across), scaledEdge(boxes[i].y2, down)};
         if (box.x1 < box.x2 && box.y1 < box.y2) // the far ends of the plane fold into its limit
             device.push_back(box);
     }

@@ -30,10 +30,24 @@ struct SurfaceRect
 /// The pixels that both have; empty when there are none.
 SurfaceRect intersection(const SurfaceRect& a, const SurfaceRect& b);
 
+/// How many device pixels stand for how many logical ones, each above 0; one number alone is a
+/// percentage.
+struct SurfaceScale
+{
+    int device = 100;
+    int logical = 100;
+
+    bool isOneToOne() const { return device == logical; }
+
+    /// Device pixels of one logical pixel where that may not differ from place to place.
+    int wholePixels() const { return device / logical; }
+
+    friend bool operator==(const SurfaceScale&, const SurfaceScale&) = default;
+};
+
 /// A coordinate in device pixels: the floor, so that neighbours stay neighbours at every scale.
-/// @param percent  the scale, 100 and up
 /// @return kept within 2^28 of zero, so that products of two lengths fit into 64 bits
-std::int32_t scaledEdge(std::int32_t edge, int percent);
+std::int32_t scaledEdge(std::int32_t edge, SurfaceScale scale);
 
 /// A value. Out of memory leaves it empty. Thread: one at a time.
 class SurfaceRegion
@@ -66,7 +80,7 @@ public:
     SurfaceRegion border() const;
 
     /// The same area in device pixels, each edge by scaledEdge.
-    SurfaceRegion scaled(int percent) const;
+    SurfaceRegion scaled(SurfaceScale across, SurfaceScale down) const;
 
     /// Calls `visit` with each part of `area` that lies in the region, from the top down and in a
     /// band from the left; no two parts overlap.

@@ -70,14 +70,16 @@ void Surface::slantedLine(SurfacePoint from, SurfacePoint to)
 {
     if (from.y > to.y)
         std::swap(from, to);
-    const std::int64_t x = scaledEdge(from.x, mPercent);
-    const std::int64_t y = scaledEdge(from.y, mPercent);
-    const std::int64_t endX = scaledEdge(to.x, mPercent);
-    const std::int64_t endY = scaledEdge(to.y, mPercent);
+    const SurfacePoint begin = toDevice(from);
+    const SurfacePoint end = toDevice(to);
+    const std::int64_t x = begin.x;
+    const std::int64_t y = begin.y;
+    const std::int64_t endX = end.x;
+    const std::int64_t endY = end.y;
     const Slope slope{x, y, std::abs(endX - x), std::max<std::int64_t>(1, endY - y),
                       endX < x ? -1 : 1};
     // a thicker pen covers, in each row, what the thin line has in the rows that hang above it
-    const std::int64_t pen = mPercent / 100;
+    const std::int64_t pen = std::min(mAcross.wholePixels(), mDown.wholePixels());
     const SurfaceRect area = deviceClip().extents();
     const std::int64_t last = std::min<std::int64_t>(endY + pen, area.bottom);
     for (std::int64_t row = std::max<std::int64_t>(y, area.top); row < last; ++row) {
@@ -97,7 +99,7 @@ void Surface::paintPolygon(std::span<const SurfacePoint> outline)
     std::int32_t lowest = INT32_MIN;
     std::int32_t highest = INT32_MAX;
     for (const SurfacePoint& point : outline) {
-        points.push_back({scaledEdge(point.x, mPercent), scaledEdge(point.y, mPercent)});
+        points.push_back(toDevice(point));
         lowest = std::max(lowest, points.back().y);
         highest = std::min(highest, points.back().y);
     }

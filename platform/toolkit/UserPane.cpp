@@ -78,16 +78,20 @@ public:
             g.fillAll(look.palette().field);
             return;
         }
-        blit(g, *pixels);
+        blit(g, *pixels, look.palette().window);
         if (hasKeyboardFocus(false))
             look.drawFocusRing(g, getLocalBounds().toFloat());
     }
 
     void mouseDown(const juce::MouseEvent& event) override
     {
-        if (event.mods.isPopupMenu() &&
-            mControl.contextualClick(event.getPosition()) != eventNotHandledErr)
-            return;
+        if (event.mods.isPopupMenu()) {
+            if (mControl.contextualClick(event.getPosition()) != eventNotHandledErr)
+                return;
+            // A menu that was left without a choice has had the rest of the click.
+            if (!juce::ModifierKeys::currentModifiers.isAnyMouseButtonDown())
+                return;
+        }
         mPressed = buttonBits(event.mods);
         sPressed = &mControl;
         sendMouse(1, event);
@@ -140,13 +144,27 @@ public:
     }
 
 private:
-    /// One source pixel on one device pixel, whatever the scale.
-    static void blit(juce::Graphics& g, const PixelSource& pixels)
+    /// One source pixel on one device pixel wherever their numbers are the same.
+    void blit(juce::Graphics& g, const PixelSource& pixels, juce::Colour around) const
     {
+        const float scale = g.getInternalContext().getPhysicalPixelScaleFactor();
+        const Rect place = mControl.description.bounds;
+        const Rect covered = pixelsOf(place, scale);
+        if (scale != std::floor(scale)) // its rounding leaves the library a pixel more at times
+            g.fillAll(around);
         const juce::Image image(new BorrowedPixels(pixels));
-        const auto scale = g.getInternalContext().getPhysicalPixelScaleFactor();
-        g.setImageResamplingQuality(juce::Graphics::lowResamplingQuality);
-        g.drawImageTransformed(image, juce::AffineTransform::scale(1.0f / scale));
+        const bool shrinks = image.getWidth() > covered.width || image.getHeight() > covered.height;
+        g.setImageResamplingQuality(shrinks ? juce::Graphics::mediumResamplingQuality
+                                            : juce::Graphics::lowResamplingQuality);
+        const auto across =
+            static_cast<float>(covered.width) / static_cast<float>(image.getWidth());
+        const auto down =
+            static_cast<float>(covered.height) / static_cast<float>(image.getHeight());
+        g.drawImageTransformed(
+            image,
+            juce::AffineTransform::scale(across / scale, down / scale)
+                .translated(static_cast<float>(covered.x) / scale - static_cast<float>(place.x),
+                            static_cast<float>(covered.y) / scale - static_cast<float>(place.y)));
     }
 
     Event mouseEvent(std::uint32_t kind, const juce::MouseEvent& event) const

@@ -243,7 +243,9 @@ double Window::scaleFactor() const
     const auto* peer = mImpl->root->getPeer();
     const auto* display = juce::Desktop::getInstance().getDisplays().getPrimaryDisplay();
     const double platform = peer ? peer->getPlatformScaleFactor() : display ? display->scale : 1.0;
-    return platform * mImpl->scale;
+    const auto* host = mImpl->root->getParentComponent();
+    const double hosts = host ? juce::Component::getApproximateScaleFactorForComponent(host) : 1.0F;
+    return platform * hosts * mImpl->scale;
 }
 
 void Window::setScale(double scale)

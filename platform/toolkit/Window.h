@@ -64,7 +64,7 @@ public:
     /// 'wind' 27.
     void setSize(int width, int height);
 
-    /// Device pixels in a window point.
+    /// Device pixels in a window point; a host's component around the window has a part in it.
     double scaleFactor() const;
     /// Enlarges everything on top of what the display does; 0.5 to 4, other values are limited.
     void setScale(double scale);

@@ -55,8 +55,10 @@ bool GraphicsContext::Visible(const Rect& rect) const
 
 GWorld GraphicsContext::CreateOffscreen(const Rect& area) const
 {
-    const int percent = mPort == nullptr ? 100 : mPort->scalePercent();
-    return toolkit::Surface::create(platformRect(area), percent);
+    const toolkit::SurfaceRect bounds = platformRect(area);
+    return mPort == nullptr
+               ? toolkit::Surface::create(bounds)
+               : toolkit::Surface::create(bounds, mPort->scaleAcross(), mPort->scaleDown());
 }
 
 void GraphicsContext::AttachOffscreen(GWorld world)

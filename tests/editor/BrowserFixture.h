@@ -38,7 +38,7 @@ public:
     BrowserWindow(const BrowserWindow&) = delete;
     BrowserWindow& operator=(const BrowserWindow&) = delete;
 
-    virtual ~BrowserWindow()
+    ~BrowserWindow() override
     {
         effect.RemoveLooperListener(this);
         close();

@@ -51,6 +51,10 @@ TEST_F(Editor, WithoutAnEffectHasNoWindow)
     editor.loaded();
     editor.update();
     editor.patternsChanged();
+    editor.AddPattern();
+    editor.DeletePattern();
+    editor.AddStyle();
+    editor.DeleteStyle();
 }
 
 TEST_F(Editor, ShowsItsWindow)
@@ -277,6 +281,16 @@ TEST_F(Editor, TheLoadedPatternsNameIsShown)
     EXPECT_EQ(text(100), "cut");
 }
 
+TEST_F(Editor, APatternWithoutStyleAndNameHasNone)
+{
+    open();
+    EXPECT_EQ(text(100), "");
+
+    view->loaded();
+
+    EXPECT_EQ(text(100), "");
+}
+
 TEST_F(Editor, WhatIsLoadedOnAnotherThreadIsShownToo)
 {
     open();
@@ -334,6 +348,22 @@ TEST_F(Editor, ANewStyleGetsTheFirstFreeName)
     EXPECT_TRUE(fs::is_directory(library / "Rock/new style"));
     view->AddStyle();
     EXPECT_TRUE(fs::is_directory(library / "Rock/new style 1"));
+}
+
+TEST_F(Editor, TheThousandthNewStyleIsTheLast)
+{
+    open();
+    effect->ChangePattern("Rock", "a.mid");
+    ASSERT_TRUE(
+        until([&] { return !view->patternsView()->GetCurrentlySelectedStyle().IsEmpty(); }));
+    library.put("Rock/new style", "");
+    for (int n = 1; n <= 998; ++n)
+        library.put("Rock/new style " + std::to_string(n), "");
+
+    view->AddStyle();
+    EXPECT_TRUE(fs::is_directory(library / "Rock/new style 999"));
+    view->AddStyle();
+    EXPECT_FALSE(fs::exists(library / "Rock/new style 1000"));
 }
 
 TEST_F(Editor, OnlyAnEmptyStyleIsDeleted)

@@ -1,10 +1,12 @@
 // The pattern dragged out of the view into another program.
+#include "platform/toolkit/Beep.h"
 #include "shared/System/kvStream.h"
 #include "tests/editor/EventViewFixture.h"
 #include "tests/platform/toolkit/DropTargetProcess.h"
 
 #include <optional>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -48,7 +50,7 @@ TEST_F(DragTest, ThePatternArrivesInAnotherProgramAsAMidiFile)
     settle(); // the target's consent has to come back before the button goes up
     display->release();
 
-    const auto url = "text/uri-list file://" + temporary.path() + "/Straight%20Eight.mid";
+    const auto url = "text/uri-list file://" + dragged("Straight%20Eight.mid");
     EXPECT_TRUE(until([&] { return target->said(url); }));
     EXPECT_EQ(contentOf(dragged("Straight Eight.mid")), midiFile());
 }
@@ -121,8 +123,24 @@ TEST_F(DragTest, ALinkInTheTemporaryFolderIsNotFollowed)
     EXPECT_EQ(contentOf(dragged("Straight Eight.mid")), midiFile());
 }
 
-TEST_F(DragTest, WhereTheFileCannotBeWrittenNothingIsDragged)
+TEST_F(DragTest, TheFileIsThisUsersAlone)
 {
+    effect->DragEvents();
+    const auto folder = temporary / ("korvanel-" + std::to_string(::geteuid()));
+    EXPECT_EQ(contentOf(folder + "/Straight Eight.mid"), midiFile());
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
+}
+
+TEST_F(DragTest, SomebodyElsesFileOfThePatternsNameIsNotInTheWay)
+{
+    std::filesystem::create_directory(temporary / "Straight Eight.mid"); // cannot be replaced
+    effect->DragEvents();
+    EXPECT_EQ(contentOf(dragged("Straight Eight.mid")), midiFile());
+}
+
+TEST_F(DragTest, WhereTheFileCannotBeWrittenNothingIsDraggedAndItBeeps)
+{
+    const auto beeps = toolkit::beepCount();
     std::filesystem::create_directory(dragged("Straight Eight.mid"));
     attach();
     target.emplace(std::vector<std::string>{"50", "50"});
@@ -133,4 +151,6 @@ TEST_F(DragTest, WhereTheFileCannotBeWrittenNothingIsDragged)
     display->release();
     settle();
     EXPECT_FALSE(target->said("action"));
+    EXPECT_EQ(toolkit::beepCount(), beeps + 1);
+    EXPECT_EQ(toolkit::lastBeepDuration(), 60);
 }

@@ -137,7 +137,7 @@ testing::AssertionResult looksApproved(const std::string& name, const CMidiTrack
 {
     CLooper effect;
     effect.set_track(track);
-    const auto surface = Surface::create({0, 0, size.x, size.y}, percent);
+    const auto surface = Surface::create({0, 0, size.x, size.y}, {percent});
     GraphicsContext g(surface.get());
     g.FillRect({0, 0, size.x, size.y}, {0xFF00, 0xFF00, 0x8000});
     effect.DrawEvents(g, {1, 1, size.x - 2, size.y - 2});

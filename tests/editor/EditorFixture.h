@@ -89,7 +89,10 @@ protected:
         return view->window()->toScreen(inWindow);
     }
 
-    void click(int id) { display->click(onScreen(control(id).bounds().centre())); }
+    void click(int id, unsigned button = 1)
+    {
+        display->click(onScreen(control(id).bounds().centre()), button);
+    }
 
     /// The upper arrow is in the upper half.
     void clickUp(int id) { clickArrow(id, 1); }

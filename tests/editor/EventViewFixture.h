@@ -1,6 +1,7 @@
 /// An event view in a window, with an effect whose position the tests move, and a temporary folder
 /// for what is dragged out.
 #pragma once
+#include "editor/DragFolder.h"
 #include "editor/EventView.h"
 #include "effect/CLooper.h"
 #include "tests/effect/Fakes.h"
@@ -62,9 +63,13 @@ protected:
 
     toolkit::Point screen(int x, int y) { return window->toScreen({40 + x, 30 + y}); }
 
-    std::string dragged(const std::string& name) const { return temporary / name; }
+    /// What dragged files lie in, made for files that are there before.
+    std::string dragged(const std::string& name) const
+    {
+        return dragFolder(temporary.path()) + "/" + name;
+    }
 
-    bool wasDragged() const { return !std::filesystem::is_empty(temporary.path()); }
+    bool wasDragged() const { return !std::filesystem::is_empty(dragged("")); }
 
     TemporaryFolder library;
     TemporaryFolder temporary;

@@ -226,8 +226,8 @@ TEST_F(EventViewTest, AtOtherScalesTheCursorErasesItselfToo)
     attach();
     for (const double scale : {1.5, 2.0}) {
         window->setScale(scale);
-        ASSERT_TRUE(until(
-            [&] { return view->picture()->scalePercent() == static_cast<int>(scale * 100); }));
+        ASSERT_TRUE(
+            until([&] { return view->picture()->deviceWidth() == static_cast<int>(scale * 200); }));
         settle();
         const auto before = picture();
         const int start = view->cursorX();

@@ -261,6 +261,25 @@ TEST_F(PatternsViewFilesTest, WithoutAListedStyleNoneIsAdded)
     EXPECT_EQ(newBeeps(), 0u);
 }
 
+TEST_F(PatternsViewFilesTest, NewStyle1000IsTheLast)
+{
+    openBrowser();
+    folder.put("Rock/New Style", "");
+    for (int n = 1; n <= 999; ++n)
+        folder.put("Rock/New Style " + std::to_string(n), "");
+    browser->selectStyle("Rock");
+
+    choose(1);
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "Rock/New Style 1000"));
+    EXPECT_EQ(newBeeps(), 0u);
+
+    browser->styles().stopEditing(false);
+    browser->selectStyle("Rock");
+    choose(1);
+    EXPECT_FALSE(exists("Rock/New Style 1001"));
+    EXPECT_EQ(newBeeps(), 1u);
+}
+
 TEST_F(PatternsViewFilesTest, AStyleThatCannotBeAddedBeeps)
 {
     openBrowser();

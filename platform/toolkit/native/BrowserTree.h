@@ -26,8 +26,12 @@ public:
 
     /// The container exists and the item does not.
     void add(BrowserItem container, BrowserItem item);
-    /// The item and everything in it, innermost first; the item itself is last.
-    std::vector<BrowserItem> withContents(BrowserItem item) const;
+    /// The members of a container, which has none from now on. They exist until each is removed,
+    /// which so needs no search among the others.
+    std::vector<BrowserItem> takeMembers(BrowserItem container);
+    /// The item and everything in it, innermost first and taken from its containers; the item
+    /// itself is last.
+    std::vector<BrowserItem> takeWithContents(BrowserItem item);
     /// The item holds nothing any more.
     void remove(BrowserItem item);
 

@@ -95,6 +95,10 @@ inline Rect fromJuce(const juce::Rectangle<int>& r)
     return {r.getX(), r.getY(), r.getWidth(), r.getHeight()};
 }
 
+/// The device pixels that a component at this place covers: every one that it touches, as the
+/// library clips. Where an edge misses a pixel's by no more than an error of rounding, it is there.
+Rect pixelsOf(const Rect& points, double scale);
+
 /// Bytes that are no UTF-8 become replacement characters, so that any file's name can be shown.
 juce::String toJuce(const std::string& text);
 std::uint32_t buttonBits(const juce::ModifierKeys& keys);

@@ -3,7 +3,6 @@
 #include "platform/toolkit/Window.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace korvanel::macosx::carbon {
@@ -111,13 +110,18 @@ void ControlPane::detachControl()
 
 void ControlPane::preparePicture()
 {
-    const int percent =
-        std::clamp(static_cast<int>(std::lround(window()->scaleFactor() * 100)), 100, 400);
-    const toolkit::SurfaceRect wanted{0, 0, GetBounds().width, GetBounds().height};
-    if (mPicture != nullptr && mPicture->bounds() == wanted && mPicture->scalePercent() == percent)
+    const int width = GetBounds().width;
+    const int height = GetBounds().height;
+    const toolkit::Rect pixels = mControl->pixelBounds();
+    // A window that is smaller than life gets the picture in full size and shrinks it.
+    const toolkit::SurfaceScale across{std::max(pixels.width, width), width};
+    const toolkit::SurfaceScale down{std::max(pixels.height, height), height};
+    const toolkit::SurfaceRect wanted{0, 0, width, height};
+    if (mPicture != nullptr && mPicture->bounds() == wanted && mPicture->scaleAcross() == across &&
+        mPicture->scaleDown() == down)
         return;
-    mPicture = toolkit::Surface::create(wanted, percent);
-    myInvalidateRectangle({0, 0, wanted.right, wanted.bottom});
+    mPicture = toolkit::Surface::create(wanted, across, down);
+    myInvalidateRectangle({0, 0, width, height});
 }
 
 void ControlPane::bringUpToDate()

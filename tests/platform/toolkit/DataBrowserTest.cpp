@@ -157,6 +157,20 @@ TEST_F(DataBrowserTest, RemovingGoesFromTheInsideOutAndDeselectsSilently)
     EXPECT_EQ(browser->selectionAnchorFirst(), 0u);
 }
 
+TEST_F(DataBrowserTest, WhenAllItemsGoNoneIsListedFromTheFirstOn)
+{
+    browser->openContainer(10);
+    std::vector<std::size_t> listed;
+    reaction = [&](BrowserItem, Message message) {
+        if (message == Message::itemRemoved)
+            listed.push_back(browser->items(0).size() + browser->items(10).size());
+    };
+
+    browser->removeAllItems();
+
+    EXPECT_EQ(listed, (std::vector<std::size_t>{0, 0, 0, 0}));
+}
+
 TEST_F(DataBrowserTest, AnItemIsRemovedFromItsOwnContainerOnly)
 {
     browser->openContainer(10);

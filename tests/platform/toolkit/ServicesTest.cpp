@@ -1,15 +1,18 @@
 #include "platform/toolkit/Beep.h"
 #include "platform/toolkit/FileManager.h"
 #include "platform/toolkit/Pasteboard.h"
+#include "tests/support/ProcessTally.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <unistd.h>
 
 using namespace toolkit;
 
@@ -34,12 +37,30 @@ protected:
         std::filesystem::remove_all(mFolder);
     }
 
-    void installOpener()
+    /// @param noting  what writes the notes, in the shell's language
+    /// @param after   what it does then
+    void installOpener(const std::string& noting = R"(printf '%s|%s' "$#" "$1")",
+                       const std::string& after = "")
     {
         const auto program = mFolder / "xdg-open";
-        std::ofstream(program) << "#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" > \"$NOTES.new\"\n"
-                                  "/bin/mv \"$NOTES.new\" \"$NOTES\"\n";
+        std::ofstream(program) << "#!/bin/sh\n{\n" + noting + "\n} > \"$NOTES.new\"\n" +
+                                      "/bin/mv \"$NOTES.new\" \"$NOTES\"\n" + after + "\n";
         std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    }
+
+    /// Processes that this one would have to wait for.
+    static int children()
+    {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            std::string pid;
+            std::string name;
+            std::string state;
+            int parent = 0;
+            std::ifstream(entry.path() / "stat") >> pid >> name >> state >> parent;
+            count += parent == ::getpid() ? 1 : 0;
+        }
+        return count;
     }
 
     std::string make(const std::string& name)
@@ -74,6 +95,59 @@ TEST_F(FileManagerTest, TheOpenerGetsTheNameAsItIs)
 
     EXPECT_EQ(notes(), "1|" + path);
     EXPECT_FALSE(std::filesystem::exists(mFolder / "c"));
+}
+
+TEST_F(FileManagerTest, AnOpenerThatStaysIsNobodysChildAndHoldsNoThread)
+{
+    installOpener("echo", R"(while [ -e "$NOTES" ]; do /bin/sleep 0.05; done)");
+    const auto path = make("a.txt");
+    const int childrenBefore = children();
+    const auto before = ProcessTally::now();
+
+    EXPECT_EQ(openDocument(path), noErr);
+
+    EXPECT_EQ(notes(), "\n"); // it runs, and goes on as long as they are there
+    EXPECT_EQ(children(), childrenBefore);
+    EXPECT_EQ(ProcessTally::now(), before);
+}
+
+TEST_F(FileManagerTest, TheOpenerInheritsNoDescriptorOfTheHost)
+{
+    installOpener("echo /proc/$$/fd/*");
+    constexpr int hosts = 77;
+    ASSERT_EQ(::dup2(STDERR_FILENO, hosts), hosts);
+
+    EXPECT_EQ(openDocument(make("a.txt")), noErr);
+
+    const auto open = notes();
+    EXPECT_NE(open.find("/fd/2"), std::string::npos) << open;
+    EXPECT_EQ(open.find("/fd/77"), std::string::npos) << open;
+    ::close(hosts);
+}
+
+TEST_F(FileManagerTest, TheOpenerStartsWithTheSystemsSignalSettings)
+{
+    // The shell itself blocks signals while it starts a program: here it starts none.
+    installOpener("while read -r line; do case $line in SigBlk:*|SigIgn:*) echo \"$line\";; esac; "
+                  "done < /proc/$$/status");
+    sigset_t mask;
+    sigset_t before;
+    sigemptyset(&mask);
+    sigaddset(&mask, SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &mask, &before);
+    const auto pipe = std::signal(SIGPIPE, SIG_IGN);
+
+    EXPECT_EQ(openDocument(make("a.txt")), noErr);
+
+    EXPECT_EQ(notes(), "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
+    std::signal(SIGPIPE, pipe);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+TEST_F(FileManagerTest, ANonProgramInTheOpenersPlaceIsAStatus)
+{
+    make("xdg-open");
+    EXPECT_EQ(openDocument(make("a.txt")), EACCES);
 }
 
 TEST_F(FileManagerTest, AMissingDocumentIsRefused)

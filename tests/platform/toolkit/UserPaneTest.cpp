@@ -1,3 +1,4 @@
+#include "platform/toolkit/Menu.h"
 #include "platform/toolkit/PixelSource.h"
 #include "tests/platform/toolkit/ToolkitFixture.h"
 
@@ -121,6 +122,57 @@ TEST_F(UserPaneTest, AtTwiceTheScaleASourcePixelIsADevicePixel)
     const auto corner = screen(40, 30);
     EXPECT_TRUE(until([&] { return display->pixel({corner.x + 3, corner.y + 5}) == 0xff8000; }));
     EXPECT_EQ(display->pixel({corner.x + 4, corner.y + 5}), 0x204060u);
+}
+
+TEST_F(UserPaneTest, CoversEveryPixelThatItTouches)
+{
+    EXPECT_EQ(control(108).pixelBounds(), (Rect{40, 30, 200, 100}));
+    window->setScale(2);
+    EXPECT_EQ(control(108).pixelBounds(), (Rect{80, 60, 400, 200}));
+    window->setScale(13.0 / 12); // 43.33 to 260, and 32.5 to 140.83
+    EXPECT_EQ(control(108).pixelBounds(), (Rect{43, 32, 217, 109}));
+    window->setScale(4.0 / 3); // 53.33 to 320, and 40 to 173.33
+    EXPECT_EQ(control(108).pixelBounds(), (Rect{53, 40, 267, 134}));
+    window->setScale(0.75); // 30 to 180, and 22.5 to 97.5
+    EXPECT_EQ(control(108).pixelBounds(), (Rect{30, 22, 150, 76}));
+}
+
+TEST_F(UserPaneTest, AtEveryScaleSourcePixelsFillItOneByOne)
+{
+    for (const double scale : {1.0, 13.0 / 12, 1.3333, 4.0 / 3, 1.5, 0.75}) {
+        window->setScale(scale);
+        const Rect covered = control(108).pixelBounds();
+        Pixels pixels(covered.width, covered.height, 0x204060);
+        pixels.at(0, 0) = 0xff8000;
+        pixels.at(77, 33) = 0x00ff00;
+        pixels.at(covered.width - 1, covered.height - 1) = 0xff00ff;
+        control(108).setPixelSource(&pixels);
+        const Point corner = screen(0, 0);
+        const auto shown = [&](int x, int y) {
+            return display->pixel({corner.x + covered.x + x, corner.y + covered.y + y});
+        };
+        EXPECT_TRUE(until([&] { return shown(0, 0) == 0xff8000; })) << scale;
+        EXPECT_EQ(shown(77, 33), 0x00ff00u) << scale;
+        EXPECT_EQ(shown(78, 33), 0x204060u) << scale;
+        EXPECT_EQ(shown(covered.width - 1, covered.height - 1), 0xff00ffu) << scale;
+        EXPECT_EQ(shown(covered.width, covered.height - 1), 0x1d2025u) << scale;
+        EXPECT_EQ(shown(covered.width - 1, covered.height), 0x1d2025u) << scale;
+        control(108).setPixelSource(nullptr);
+    }
+}
+
+TEST_F(UserPaneTest, ASourceOfAnotherSizeIsStretched)
+{
+    Pixels pixels(100, 200, 0x204060);
+    for (int y = 0; y < 200; ++y)
+        for (int x = 50; x < 100; ++x)
+            pixels.at(x, y) = 0xff8000;
+    control(108).setPixelSource(&pixels);
+
+    EXPECT_TRUE(until([this] { return display->pixel(screen(41, 128)) == 0x204060; }));
+    EXPECT_EQ(display->pixel(screen(130, 80)), 0x204060u);
+    EXPECT_EQ(display->pixel(screen(150, 80)), 0xff8000u);
+    EXPECT_EQ(display->pixel(screen(238, 31)), 0xff8000u);
 }
 
 TEST_F(UserPaneTest, TheOwnerIsAskedToDrawBeforeItsPixelsAreShown)
@@ -254,4 +306,24 @@ TEST_F(UserPaneTest, AContextualClickThatNobodyTakesIsAMouseDown)
 
     ASSERT_TRUE(until([this] { return has(1); }));
     EXPECT_EQ(find(1)->buttons, rightButton);
+}
+
+TEST_F(UserPaneTest, AMenuThatIsLeftHasHadTheWholeClick)
+{
+    watchMouse();
+    bool isOver = false;
+    Menu menu;
+    menu.addItem("Export To Desktop", 1);
+    window->installHandler({{"cntl"_4cc, 12}}, [&](const Event& event) {
+        menu.popUp(*window, *event.get<Point>("mloc"_4cc));
+        isOver = true;
+        return eventNotHandledErr;
+    });
+
+    const auto user = inMenu([this] { display->key("Escape"); });
+    display->click(screen(60, 50), 3);
+
+    ASSERT_TRUE(until([&isOver] { return isOver; }));
+    settle();
+    EXPECT_FALSE(has(1));
 }

@@ -31,7 +31,7 @@ void drawField(Surface& surface, const Drawing& drawing, Point corner, Region cl
 void compare(const std::string& name, const Drawing& drawing, int tolerance = 0)
 {
     for (const int percent : {100, 150, 200}) {
-        const auto surface = Surface::create({0, 0, 2 * side, 2 * side}, percent);
+        const auto surface = Surface::create({0, 0, 2 * side, 2 * side}, {percent});
         const Region all(Rect{0, 0, 2 * side, 2 * side});
         GraphicsContext(surface.get()).FillRect({0, 0, 2 * side, 2 * side}, Color::Yellow);
         drawField(*surface, drawing, {0, 0}, all);

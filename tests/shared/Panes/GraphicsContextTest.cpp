@@ -403,7 +403,7 @@ TEST_F(GraphicsOffscreen, CannotBeMadeOfNothing)
 
 TEST_F(GraphicsOffscreen, HasThePortsScale)
 {
-    const auto large = Surface::create({0, 0, 8, 4}, 150);
+    const auto large = Surface::create({0, 0, 8, 4}, {150});
     GraphicsContext scaled(large.get());
     const GWorld world = scaled.CreateOffscreen({1, 0, 2, 2});
     EXPECT_EQ(world->deviceWidth(), 3);

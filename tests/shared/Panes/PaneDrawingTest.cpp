@@ -138,7 +138,7 @@ TEST_F(PaneDrawing, WithoutOpaqueDrawingTheRootsPanesComeInOrder)
 TEST_F(PaneDrawing, AtEveryScaleFillsThePlacesEdgeToEdge)
 {
     for (const int percent : {100, 150, 200}) {
-        surface = Surface::create({0, 0, 8, 4}, percent);
+        surface = Surface::create({0, 0, 8, 4}, {percent});
         root.destroySubpanes();
         add("A", &root, {0, 0, 3, 4}, true);
         add("B", &root, {3, 0, 5, 4}, true);

@@ -27,7 +27,7 @@ std::vector<std::uint32_t> charactersOf(std::string_view text)
 std::string drawn(FontEngine& engine, const FontStyle& style, std::string_view text,
                   int percent = 100)
 {
-    const auto surface = Surface::create({0, 0, 60, 20}, percent);
+    const auto surface = Surface::create({0, 0, 60, 20}, {percent});
     engine.draw(*surface, {2, 15}, style, text, 0xFFFFFF);
     return letterArt(*surface);
 }

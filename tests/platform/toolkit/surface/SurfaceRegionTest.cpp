@@ -19,17 +19,24 @@ std::vector<SurfaceRect> partsOf(const SurfaceRegion& region, const SurfaceRect&
 
 TEST(ScaledEdge, IsTheFloorOnBothSidesOfZero)
 {
-    EXPECT_EQ(scaledEdge(3, 100), 3);
-    EXPECT_EQ(scaledEdge(3, 150), 4);
-    EXPECT_EQ(scaledEdge(-3, 150), -5);
-    EXPECT_EQ(scaledEdge(-2, 150), -3);
-    EXPECT_EQ(scaledEdge(7, 200), 14);
+    EXPECT_EQ(scaledEdge(3, {100}), 3);
+    EXPECT_EQ(scaledEdge(3, {150}), 4);
+    EXPECT_EQ(scaledEdge(-3, {150}), -5);
+    EXPECT_EQ(scaledEdge(-2, {150}), -3);
+    EXPECT_EQ(scaledEdge(7, {200}), 14);
+}
+
+TEST(ScaledEdge, EndsWhereItsScaleSays)
+{
+    EXPECT_EQ(scaledEdge(688, {918, 688}), 918);
+    EXPECT_EQ(scaledEdge(344, {918, 688}), 459);
+    EXPECT_EQ(scaledEdge(1, {918, 688}), 1);
 }
 
 TEST(ScaledEdge, StaysWhereProductsFit)
 {
-    EXPECT_EQ(scaledEdge(INT32_MAX, 100), 1 << 28);
-    EXPECT_EQ(scaledEdge(INT32_MIN, 400), -(1 << 28));
+    EXPECT_EQ(scaledEdge(INT32_MAX, {100}), 1 << 28);
+    EXPECT_EQ(scaledEdge(INT32_MIN, {400}), -(1 << 28));
 }
 
 TEST(SurfaceRegion, OfAnEmptyOrTurnedRectangleIsEmpty)
@@ -98,9 +105,9 @@ TEST(SurfaceRegion, ScalesEachEdgeByItsFloor)
 {
     SurfaceRegion region({1, 1, 2, 2});
     region.unite(SurfaceRegion({2, 1, 3, 2}));
-    EXPECT_EQ(partsOf(region.scaled(150), {-9, -9, 9, 9}),
+    EXPECT_EQ(partsOf(region.scaled({150}, {150}), {-9, -9, 9, 9}),
               (std::vector<SurfaceRect>{{1, 1, 4, 3}}));
-    EXPECT_TRUE(SurfaceRegion().scaled(200).empty());
+    EXPECT_TRUE(SurfaceRegion().scaled({200}, {200}).empty());
 }
 
 TEST(SurfaceRegion, MovingItOffThePlaneCutsItOff)

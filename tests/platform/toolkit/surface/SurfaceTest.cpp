@@ -14,7 +14,7 @@ namespace {
 
 std::unique_ptr<Surface> whitePen(int width, int height, int percent = 100)
 {
-    auto surface = Surface::create({0, 0, width, height}, percent);
+    auto surface = Surface::create({0, 0, width, height}, {percent});
     surface->setForeground(0xFFFFFF);
     return surface;
 }
@@ -26,12 +26,12 @@ TEST(Surface, IsNotMadeEmptyOrTooLarge)
     EXPECT_EQ(Surface::create({0, 0, 0, 5}), nullptr);
     EXPECT_EQ(Surface::create({5, 0, 2, 5}), nullptr);
     EXPECT_EQ(Surface::create({0, 0, 40'000, 1}), nullptr);
-    EXPECT_EQ(Surface::create({INT32_MIN, 0, INT32_MAX, 1}, 400), nullptr);
+    EXPECT_EQ(Surface::create({INT32_MIN, 0, INT32_MAX, 1}, {400}), nullptr);
 }
 
 TEST(Surface, BeginsWithZeroPixelsAndAnOpenClip)
 {
-    const auto surface = Surface::create({-2, 3, 4, 5}, 150);
+    const auto surface = Surface::create({-2, 3, 4, 5}, {150});
     EXPECT_EQ(surface->deviceWidth(), 9);
     EXPECT_EQ(surface->deviceHeight(), 3);
     EXPECT_EQ(surface->pixel(8, 2), 0u);

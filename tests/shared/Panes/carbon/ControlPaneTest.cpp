@@ -302,6 +302,62 @@ TEST_F(ControlPaneTest, AtOtherScalesAPointIsSoManyPixels)
     }
 }
 
+TEST_F(ControlPaneTest, FillsItsControlAtScalesThatAreNoWholePixels)
+{
+    part = new Noting<Pane>;
+    part->color = Color::Red;
+    part->Create(&root, {180, 90, 20, 10}); // the lower right corner
+    attach();
+    for (const double scale : {1.3333, 13.0 / 12, 0.75}) {
+        window->setScale(scale);
+        const toolkit::Rect covered = control(108).pixelBounds();
+        const toolkit::Point corner = window->toScreen({0, 0});
+        // Shrunk, an edge is mixed with what lies beside it.
+        const auto shows = [&](int x, int y, unsigned color) {
+            return until([&] {
+                const unsigned pixel =
+                    display->pixel({corner.x + covered.x + x, corner.y + covered.y + y});
+                return (pixel & 0xC0C0C0) == (color & 0xC0C0C0);
+            });
+        };
+        const int right = covered.width - 1;
+        const int bottom = covered.height - 1;
+        EXPECT_TRUE(shows(right, bottom, kRed)) << scale;
+        EXPECT_TRUE(shows(0, 0, kBlue)) << scale;
+        EXPECT_TRUE(shows(right, 0, kBlue)) << scale;
+        EXPECT_TRUE(shows(0, bottom, kBlue)) << scale;
+        EXPECT_TRUE(shows(right - static_cast<int>(18 * scale), bottom - 1, kRed)) << scale;
+        EXPECT_TRUE(shows(right - static_cast<int>(23 * scale), bottom - 1, kBlue)) << scale;
+    }
+}
+
+TEST_F(ControlPaneTest, ADirectDrawingLeavesNothingAtAnyScale)
+{
+    attach();
+    for (const double scale : {1.3333, 13.0 / 12}) {
+        window->setScale(scale);
+        settle();
+        const toolkit::Rect covered = control(108).pixelBounds();
+        const toolkit::Point corner = window->toScreen({0, 0});
+        const auto isBlue = [&] {
+            for (int x = 0; x < covered.width; ++x)
+                if (display->pixel({corner.x + covered.x + x, corner.y + covered.y + 5}) != kBlue)
+                    return false;
+            return true;
+        };
+        ASSERT_TRUE(until(isBlue)) << scale;
+        for (const Color color : {Color::Red, Color::Blue})
+            for (int x = 0; x < 200; ++x) { // as a cursor passes
+                const auto g = root.create_graphics();
+                Region column(Rect{x, 0, 1, 100});
+                g->SetClipping(column);
+                g->FillRect({0, 0, 200, 100}, color);
+                toolkit::EventLoop::turn();
+            }
+        EXPECT_TRUE(until(isBlue)) << scale;
+    }
+}
+
 TEST_F(ControlPaneTest, AScaleTooSmallForThePictureDrawsOnce)
 {
     attach();
