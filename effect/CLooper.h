@@ -42,7 +42,6 @@ public:
     };
 
     /// Who wants to know what changed: the editor, the host's bridge. Called on the thread of the
-    /// Who wants to know what changed: the editor, the host's bridge. Called on the thread of the
     /// change: for startPlaying and programChange that is the processing thread, for
     /// patternsChanged it may be the one that watches the library. Whoever made a listener destroys
     /// it, not here; the destructor has the last place among the operations.
