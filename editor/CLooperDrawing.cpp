@@ -110,7 +110,6 @@ struct Level
 
 Level levelOf(const MfxEvent& event)
 {
-    constexpr int wheelCentre = 8192;
     switch (event.type) {
     case MfxEvent::KeyAftertouch:
     case MfxEvent::ChannelAftertouch:
@@ -121,7 +120,7 @@ Level levelOf(const MfxEvent& event)
     case MfxEvent::Patch:
         return {event.key};
     case MfxEvent::Wheel:
-        return {event.wheel() + wheelCentre, 2 * wheelCentre - 1};
+        return {event.wheel() + MfxEvent::kWheelCentre, 2 * MfxEvent::kWheelCentre - 1};
     default:
         return {};
     }

@@ -72,10 +72,11 @@ void EffectSession::choosePattern(const std::string& path)
     if (looper == nullptr)
         throw CommandError(ExitCode::NoBundle, "the plug-in does not let a host choose patterns");
     IKVSSExStrumwerks::Pattern record{};
-    std::string name = "file://" + std::filesystem::absolute(path).string();
+    const std::string scheme(IKVSSExStrumwerks::Pattern::fileScheme);
+    std::string name = scheme + std::filesystem::absolute(path).string();
     const ShortName shortName(path);
     if (name.size() >= sizeof record.name)
-        name = "file://" + shortName.path();
+        name = scheme + shortName.path();
     std::copy(name.begin(), name.end(), record.name);
     if (!looper->SetCurrentPattern(&record))
         throw CommandError(ExitCode::BadPattern, path + ": the plug-in does not take it");

@@ -62,11 +62,15 @@ std::vector<std::uint8_t> patternBytes(const std::string& path)
 
 void copyInto(FileBaseNode& volume, const Tree& folder)
 {
+    std::vector<Held<InFileTerminalNode>> copies;
     for (const Leaf* leaf = folder.firstLeaf(); leaf != nullptr; leaf = nextOf(leaf)) {
-        Held<InFileTerminalNode> copy(new InFileTerminalNode(leaf->name(), &volume));
-        copy->setData(patternBytes(leaf->FullName().c_str()));
-        volume.AddLeaf(copy.release());
+        copies.emplace_back(new InFileTerminalNode(leaf->name(), &volume));
+        copies.back()->setData(patternBytes(leaf->FullName().c_str()));
     }
+    std::vector<Leaf*> leaves;
+    for (Held<InFileTerminalNode>& copy : copies)
+        leaves.push_back(copy.release());
+    volume.AddLeaves(leaves);
     for (const Tree* style = folder.firstTree(); style != nullptr; style = nextOf(style)) {
         Held<FileBaseNode> copy(new FileBaseNode(style->name(), &volume));
         copyInto(*copy, *style);

@@ -73,7 +73,8 @@ void choosePattern(CLooper& effect, const std::string& file, const std::string& 
         return;
     }
     IKVSSExStrumwerks::Pattern pattern{};
-    const std::string name = "file://" + fs::absolute(file).string();
+    const std::string name =
+        std::string(IKVSSExStrumwerks::Pattern::fileScheme) + fs::absolute(file).string();
     std::strncpy(pattern.name, name.c_str(), sizeof pattern.name - 1);
     if (!effect.SetCurrentPattern(&pattern))
         throw CommandError(ExitCode::BadPattern, file + ": is no pattern, or its path is too long");
