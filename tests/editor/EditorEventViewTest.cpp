@@ -1,8 +1,8 @@
 // The event view in the editor's window: what makes it draw, its menu, and the buttons above it.
 #include "editor/EventView.h"
 #include "editor/PatternsView.h"
-#include "platform/toolkit/Timer.h"
 #include "tests/editor/EditorFixture.h"
+#include "tests/platform/toolkit/MenuUser.h"
 
 #include <filesystem>
 
@@ -42,20 +42,14 @@ protected:
         ASSERT_FALSE(waitsToBeDrawn());
     }
 
-    /// Does what a user does in the menu, which has its own loop, once it takes input.
     std::unique_ptr<toolkit::Timer> inMenu(std::vector<std::string> keys)
     {
-        auto timer = std::make_unique<toolkit::Timer>();
-        auto tick = std::make_shared<std::size_t>(0);
-        constexpr std::size_t deaf = 4; // a menu ignores everything at first
-        timer->start(100, [this, tick, keys = std::move(keys)] {
-            if (++*tick < deaf || *tick >= deaf + keys.size())
-                return;
-            display->key(keys[*tick - deaf]);
-            pressed = *tick + 1 - deaf;
+        isPressed = false;
+        return ::inMenu(*display, [this, keys = std::move(keys)] {
+            for (const std::string& key : keys)
+                display->key(key);
+            isPressed = true;
         });
-        pressed = 0;
-        return timer;
     }
 
     toolkit::Status contextualMenu(int id)
@@ -77,7 +71,7 @@ protected:
 
     TemporaryFolder home;
     Environment environment;
-    std::size_t pressed = 0; ///< keys, in the menu
+    bool isPressed = false; ///< what inMenu was told
 };
 
 } // namespace
@@ -213,7 +207,7 @@ TEST_F(EditorEventView, AfterAMenuThatWasLeftTheMouseIsFree)
 
     const auto user = inMenu({"Escape"});
     click(108, 3);
-    ASSERT_TRUE(until([&] { return pressed == 1; }));
+    ASSERT_TRUE(until([&] { return isPressed && !display->hasMenu(); }));
     settle();
 
     EXPECT_FALSE(view->eventView()->CaptureMouse());

@@ -17,12 +17,10 @@ protected:
     void chooseInMenu(const std::string& style, int downs)
     {
         const auto item = BrowserWindow::find(browser->styles(), style);
-        const auto user = inMenu([this, downs, tick = 0]() mutable {
-            if (tick < downs)
+        const auto user = inMenu([this, downs] {
+            for (int i = 0; i < downs; ++i)
                 display->key("Down");
-            else if (tick == downs)
-                display->key("Return");
-            ++tick;
+            display->key("Return");
         });
         display->click(cell(99, item), 3);
         ASSERT_TRUE(until([&] { return browser->styles().editedItem() != 0; }));

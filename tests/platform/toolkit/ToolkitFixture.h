@@ -6,9 +6,8 @@
 #include "platform/toolkit/EventLoop.h"
 #include "platform/toolkit/InterfaceDescription.h"
 #include "platform/toolkit/Look.h"
-#include "platform/toolkit/Timer.h"
 #include "platform/toolkit/Window.h"
-#include "tests/platform/toolkit/VirtualDisplay.h"
+#include "tests/platform/toolkit/MenuUser.h"
 
 #include <gtest/gtest.h>
 
@@ -81,17 +80,9 @@ protected:
         });
     }
 
-    /// Does what a user does in a menu, again and again until the result is let go. A menu keeps
-    /// its own loop until it closes, and ignores everything for the first quarter of a second.
-    static std::unique_ptr<toolkit::Timer> inMenu(std::function<void()> user)
+    std::unique_ptr<toolkit::Timer> inMenu(std::function<void()> user)
     {
-        auto timer = std::make_unique<toolkit::Timer>();
-        auto tick = std::make_shared<int>(0);
-        timer->start(100, [tick, user = std::move(user)] {
-            if (++*tick >= 3)
-                user();
-        });
-        return timer;
+        return ::inMenu(*display, std::move(user));
     }
 
     /// Lets everything happen that the last input causes, for tests of what must not happen: a

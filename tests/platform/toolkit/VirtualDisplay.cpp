@@ -185,6 +185,26 @@ unsigned VirtualDisplay::childrenOf(unsigned long window)
     return count;
 }
 
+bool VirtualDisplay::hasMenu()
+{
+    Window root = 0;
+    Window parent = 0;
+    Window* children = nullptr;
+    unsigned count = 0;
+    if (::XQueryTree(mImpl->display, DefaultRootWindow(mImpl->display), &root, &parent, &children,
+                     &count) == 0)
+        return false;
+    bool found = false;
+    for (unsigned i = 0; i < count && !found; ++i) {
+        XWindowAttributes attributes{};
+        found = ::XGetWindowAttributes(mImpl->display, children[i], &attributes) != 0 &&
+                attributes.map_state == IsViewable && attributes.override_redirect;
+    }
+    if (children != nullptr)
+        ::XFree(children);
+    return found;
+}
+
 void VirtualDisplay::askToClose(unsigned long window)
 {
     XEvent event{};

@@ -33,6 +33,8 @@ public:
     void destroyWindow(unsigned long window);
     /// How many windows stand in this one.
     unsigned childrenOf(unsigned long window);
+    /// Whether a window is on the screen that no window manager would touch, as menus are.
+    bool hasMenu();
     /// Asks a window to close, as a window manager does for the close box.
     void askToClose(unsigned long window);
 
