@@ -68,6 +68,7 @@ void copyInto(FileBaseNode& volume, const Tree& folder)
         copies.back()->setData(patternBytes(leaf->FullName().c_str()));
     }
     std::vector<Leaf*> leaves;
+    leaves.reserve(copies.size());
     for (Held<InFileTerminalNode>& copy : copies)
         leaves.push_back(copy.release());
     volume.AddLeaves(leaves);
